@@ -1,0 +1,16 @@
+#include <kalvista/FileSystem.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstddef>
+
+namespace ardo {
+
+int mkDir(const char* path) { return mkdir(path, 0777); }
+
+char* getFolderPath(char* buf, short size) {
+  if (size < 0) return nullptr;
+  return getcwd(buf, 2 * static_cast<std::size_t>(size) + 1);
+}
+
+}  // namespace ardo
