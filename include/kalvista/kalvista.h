@@ -25,8 +25,10 @@
 #define KALVISTA_KALVISTA_H
 
 #include <kalvista/FileSystem.h>
+#include <kalvista/IRCalibrationManager.h>
 #include <kalvista/IRLogger.h>
 #include <kalvista/Logger.h>
+#include <kalvista/SimpleXML.h>
 #include <kalvista/TextRoutines.h>
 #include <kalvista/Timer.h>
 #include <kalvista/export.h>

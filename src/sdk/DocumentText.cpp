@@ -1,0 +1,217 @@
+#include "sdk/DocumentText.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <string>
+
+namespace ardo {
+
+namespace {
+
+constexpr std::size_t kLongestLine = 4095;
+constexpr std::size_t kBlockSize = 64 * 1024;
+
+class InputFile {
+ public:
+  // Not blocking, so that a named pipe without a writer is refused at once.
+  explicit InputFile(const char* path)
+      : descriptor_(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
+  ~InputFile() {
+    if (descriptor_ >= 0) close(descriptor_);
+  }
+  InputFile(const InputFile&) = delete;
+  InputFile& operator=(const InputFile&) = delete;
+
+  // Nothing for what is no regular file that a document's offsets can count.
+  std::optional<std::size_t> size() const {
+    struct stat status {};
+    if (descriptor_ < 0 || fstat(descriptor_, &status) != 0 || !S_ISREG(status.st_mode) ||
+        status.st_size > std::numeric_limits<std::int32_t>::max()) {
+      return std::nullopt;
+    }
+    return static_cast<std::size_t>(status.st_size);
+  }
+
+  // 0 at the end of the file; a file that cannot be read further ends there.
+  std::size_t read(char* to, std::size_t most) const {
+    ssize_t count = 0;
+    do {
+      count = ::read(descriptor_, to, most);
+    } while (count < 0 && errno == EINTR);
+    return count > 0 ? static_cast<std::size_t>(count) : 0;
+  }
+
+ private:
+  int descriptor_;
+};
+
+const char* findByte(const char* from, const char* end, char byte) {
+  const void* found = std::memchr(from, byte, static_cast<std::size_t>(end - from));
+  return found != nullptr ? static_cast<const char*>(found) : end;
+}
+
+const char* findText(const char* from, const char* end, std::string_view text) {
+  const void* found = memmem(from, static_cast<std::size_t>(end - from), text.data(), text.size());
+  return found != nullptr ? static_cast<const char*>(found) : end;
+}
+
+void replaceCarriageReturns(char* from, const char* end) {
+  for (const char* at = findByte(from, end, '\r'); at != end; at = findByte(at, end, '\r')) {
+    from[at - from] = '\n';
+  }
+}
+
+// Takes the lines of a file block by block and keeps the root's content.
+class ContentCollector {
+ public:
+  ContentCollector(std::string_view root, DocumentText& document)
+      : opening_("<" + std::string(root)),
+        closing_("</" + std::string(root) + ">"),
+        document_(document),
+        fill_(document.characters.get()) {}
+
+  // Takes the lines that end in [from, end), at the end of the file the unfinished one as well.
+  // Returns the start of the line that is left over, null when the reading is over.
+  const char* take(const char* from, const char* end, bool endOfFile) {
+    if (!started_) {
+      from = findByte(from, end, '<');
+      started_ = from != end;
+    }
+    from = document_.rootFound ? takeContent(from, end) : skipToRoot(from, end);
+    if (from == nullptr) return nullptr;
+    if (static_cast<std::size_t>(end - from) > kLongestLine) return nullptr;
+    if (endOfFile && from != end) takeUnfinishedLine(from, end);
+    return from;
+  }
+
+  void finish() {
+    *fill_ = '\0';
+    document_.length = static_cast<std::int32_t>(fill_ - document_.characters.get());
+  }
+
+ private:
+  static bool isTooLong(const char* from, const char* lineEnd) {
+    return static_cast<std::size_t>(lineEnd - from) > kLongestLine;
+  }
+
+  // A line counts up to its first zero byte.
+  static std::string_view textOf(const char* from, const char* lineEnd) {
+    const char* end = findByte(from, lineEnd, '\0');
+    return {from, static_cast<std::size_t>(end - from)};
+  }
+
+  const char* skipToRoot(const char* from, const char* end) {
+    for (const char* lineEnd = findByte(from, end, '\n'); lineEnd != end;
+         lineEnd = findByte(from, end, '\n')) {
+      if (isTooLong(from, lineEnd)) return nullptr;
+      const std::string_view line = textOf(from, lineEnd);
+      from = lineEnd + 1;
+      if (line.find(opening_) != std::string_view::npos) {
+        document_.rootFound = true;
+        return takeContent(from, end);
+      }
+    }
+    return from;
+  }
+
+  // Most blocks hold neither a zero byte nor the closing tag: their lines are copied unseen.
+  const char* takeContent(const char* from, const char* end) {
+    const char* zero = findByte(from, end, '\0');
+    const char* closing = findText(from, end, closing_);
+    while (from != nullptr) {
+      from = copyLines(from, end, std::min(zero, closing));
+      if (from == nullptr) return nullptr;
+      const char* lineEnd = findByte(from, end, '\n');
+      if (lineEnd == end) break;
+      from = takeLine(from, lineEnd);
+      if (from != nullptr && zero < from) zero = findByte(from, end, '\0');
+      if (from != nullptr && closing < from) closing = findText(from, end, closing_);
+    }
+    return from;
+  }
+
+  // Copies the lines that end before `stop`, which needs a closer look.
+  const char* copyLines(const char* from, const char* end, const char* stop) {
+    char* const copied = fill_;
+    for (;;) {
+      const char* lineEnd = findByte(from, end, '\n');
+      if (lineEnd >= stop) break;
+      if (isTooLong(from, lineEnd)) {
+        from = nullptr;
+        break;
+      }
+      append(from, static_cast<std::size_t>(lineEnd - from));
+      from = lineEnd + 1;
+    }
+    replaceCarriageReturns(copied, fill_);
+    return from;
+  }
+
+  const char* takeLine(const char* from, const char* lineEnd) {
+    if (isTooLong(from, lineEnd)) return nullptr;
+    const std::string_view line = textOf(from, lineEnd);
+    if (line.find(closing_) != std::string_view::npos) return nullptr;
+    char* const copied = fill_;
+    append(line.data(), line.size());
+    replaceCarriageReturns(copied, fill_);
+    return lineEnd + 1;
+  }
+
+  void takeUnfinishedLine(const char* from, const char* end) {
+    if (document_.rootFound) {
+      takeLine(from, end);
+    } else {
+      document_.rootFound = textOf(from, end).find(opening_) != std::string_view::npos;
+    }
+  }
+
+  void append(const char* from, std::size_t count) {
+    std::memcpy(fill_, from, count);
+    fill_ += count;
+  }
+
+  std::string opening_;
+  std::string closing_;
+  DocumentText& document_;
+  char* fill_;
+  bool started_ = false;  // the first "<" of the file has been seen
+};
+
+}  // namespace
+
+std::optional<DocumentText> readDocumentText(const char* file, std::string_view root) {
+  const InputFile input(file);
+  const std::optional<std::size_t> size = input.size();
+  if (!size) return std::nullopt;
+
+  DocumentText document;
+  document.characters.reset(new (std::nothrow) char[*size + 1]);
+  if (document.characters == nullptr) return std::nullopt;
+
+  ContentCollector collector(root, document);
+  const auto block = std::make_unique<char[]>(kBlockSize);
+  std::size_t kept = 0;
+  std::size_t unread = *size;
+  for (bool goOn = true; goOn;) {
+    const std::size_t count = input.read(block.get() + kept, std::min(unread, kBlockSize - kept));
+    unread -= count;
+    const char* end = block.get() + kept + count;
+    const char* rest = collector.take(block.get(), end, count == 0);
+    goOn = rest != nullptr && count != 0;
+    if (goOn) {
+      kept = static_cast<std::size_t>(end - rest);
+      std::memmove(block.get(), rest, kept);
+    }
+  }
+  collector.finish();
+  return document;
+}
+
+}  // namespace ardo

@@ -1,0 +1,29 @@
+// What the library's own code does with a document beyond its public operations.
+#ifndef KALVISTA_SDK_SIMPLE_XML_INTERNALS_H
+#define KALVISTA_SDK_SIMPLE_XML_INTERNALS_H
+
+#include <kalvista/SimpleXML.h>
+
+#include <string_view>
+
+namespace ardo {
+
+struct SimpleXMLInternals {
+  // The text without its comments; followed by a zero byte. Empty before a document is opened.
+  static std::string_view textOf(const SimpleXML& document) {
+    return {document.buffer, static_cast<std::size_t>(document.textLength_)};
+  }
+
+  // Goes one level down, to the first element of that name from an offset on.
+  static bool enter(SimpleXML& document, const char* name, int from, int limit);
+
+  // Enters a child by index.
+  static bool enterSibling(SimpleXML& document, const char* name, int index);
+
+  // Forgets the siblings that were entered at a level.
+  static void forgetSiblings(SimpleXML& document, int level) { document.siblingIndex_[level] = -1; }
+};
+
+}  // namespace ardo
+
+#endif  // KALVISTA_SDK_SIMPLE_XML_INTERNALS_H

@@ -1,0 +1,76 @@
+// SimpleXML: from a file to the text.
+#include <kalvista/IRCalibrationManager.h>
+#include <kalvista/SimpleXML.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstring>
+
+#include "sdk/Comments.h"
+#include "sdk/DocumentText.h"
+#include "sdk/LogMessage.h"
+#include "sdk/PathBuffer.h"
+
+namespace ardo {
+
+namespace {
+
+constexpr const char* kSource = "SimpleXML";
+constexpr int kLineOpenFailed = 72;
+constexpr int kLineBrokenText = 134;
+constexpr int kLineBrokenComments = 135;
+
+}  // namespace
+
+SimpleXML::SimpleXML()
+    : length(0),
+      nodeBegin{},
+      nodeEnd{},
+      depth(0),
+      buffer(nullptr),
+      rootFound_(false),
+      textLength_(0) {
+  std::setlocale(LC_NUMERIC, "C");
+  std::fill(std::begin(siblingIndex_), std::end(siblingIndex_), -1);
+}
+
+SimpleXML::~SimpleXML() { delete[] buffer; }
+
+bool SimpleXML::open(const char* file, const char* root) {
+  std::optional<DocumentText> document;
+  if (file != nullptr && root != nullptr) document = readDocumentText(file, root);
+  if (!document) {
+    logMessage(kLogDebug, kSource, kLineOpenFailed, "Failed to open file ", file);
+    return false;
+  }
+
+  delete[] buffer;
+  buffer = document->characters.release();
+  length = document->length;
+  rootFound_ = document->rootFound;
+  depth = 0;
+  std::fill(std::begin(siblingIndex_), std::end(siblingIndex_), -1);
+
+  // The length keeps counting what is cut; the terminator bounds the text.
+  const std::optional<std::int32_t> cutLength = cutComments(buffer, length);
+  textLength_ = cutLength.value_or(length);
+  if (!cutLength) {
+    logMessage(kLogError, kSource, kLineBrokenText, static_cast<const char*>(buffer));
+    logMessage(kLogError, kSource, kLineBrokenComments, "Format of file ", file,
+               " is wrong. Verify, that the XML document is well-formed!");
+  }
+  return cutLength.has_value();
+}
+
+bool SimpleXML::open(const char* dir, char* name, const char* root) {
+  PathBuffer path{};
+  if (!IRCalibrationManager::getInstance()->createConfigFilepath(path.data(), dir, kPathLimit, name,
+                                                                 ".xml")) {
+    return false;
+  }
+  return open(path.data(), root);
+}
+
+bool SimpleXML::hasRoot() const { return rootFound_; }
+
+}  // namespace ardo
