@@ -26,6 +26,7 @@
 
 #include <kalvista/FileSystem.h>
 #include <kalvista/IRCalibrationManager.h>
+#include <kalvista/IRDeviceParams.h>
 #include <kalvista/IRLogger.h>
 #include <kalvista/Logger.h>
 #include <kalvista/SimpleXML.h>
