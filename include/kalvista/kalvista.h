@@ -24,6 +24,7 @@
 #ifndef KALVISTA_KALVISTA_H
 #define KALVISTA_KALVISTA_H
 
+#include <kalvista/Cali.h>
 #include <kalvista/FileSystem.h>
 #include <kalvista/IRCalibrationManager.h>
 #include <kalvista/IRDeviceParams.h>

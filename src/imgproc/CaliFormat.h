@@ -1,0 +1,68 @@
+// The elements of the calibration file, and the record field that each one fills.
+#ifndef KALVISTA_IMGPROC_CALI_FORMAT_H
+#define KALVISTA_IMGPROC_CALI_FORMAT_H
+
+#include <kalvista/Cali.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "imgproc/CaliModel.h"
+
+namespace cali {
+
+// Records in the making. A record joins its parent when its element is closed, so that an element
+// whose closing tag is missing leaves no trace.
+struct Records {
+  MainSection main;
+  std::vector<OpticsPointer> opticsList;
+  OpticsPointer optics;
+  std::vector<RangePointer> ranges;
+  RangePointer range;
+  std::vector<FR> framerates;
+  FR framerate = 0;
+  TableParams tableParams;
+};
+
+// Elements that hold others; elements that hold a value follow them without a name of their own.
+enum Element : std::size_t {
+  kMain,
+  kTemperature,
+  kOptics,
+  kOpticsDef,
+  kTempRanges,
+  kTemperatureRange,
+  kFramerates,
+  kFramerate,
+  kTableParams,
+  kFirstValue,
+  kNoElement = 255,
+};
+
+struct ElementRule {
+  std::string_view name;
+  std::size_t parent;                              // kNoElement for the root
+  bool repeated;                                   // its parent may hold any number
+  void (*open)(Records&);                          // may be null
+  void (*close)(Records&, std::string_view text);  // may be null
+};
+
+const ElementRule& ruleOf(std::size_t element);
+
+constexpr std::size_t kMostElements = 64;
+
+// Sets of elements, a bit each.
+using ElementSet = std::uint64_t;
+constexpr ElementSet setOf(std::size_t element) { return ElementSet{1} << element; }
+
+ElementSet childrenOf(std::size_t element);
+ElementSet descendantsOf(std::size_t element);
+
+// kNoElement for a name that the format does not know. A name stands for one element at one place.
+std::size_t elementNamed(std::string_view name);
+
+}  // namespace cali
+
+#endif  // KALVISTA_IMGPROC_CALI_FORMAT_H

@@ -1,0 +1,152 @@
+// Reads a calibration file into the model, in one pass over its tags.
+//
+// The file's elements are found as ardo::SimpleXML finds them: a child is the first opening tag of
+// its name behind the parent's opening tag, up to the first closing tag of its name, both before
+// the parent's end, whatever stands between. Looking for each child by itself would read the text
+// of every parent once for each of its children. Instead each tag is seen once, and held against
+// the set of elements that are looked for at this place and the set of those that are open. Since
+// a name belongs to one place only, both sets tell exactly what the single searches would find.
+#include <kalvista/Cali.h>
+#include <kalvista/SimpleXML.h>
+#include <kalvista/TextRoutines.h>
+
+#include <array>
+
+#include "imgproc/CaliFormat.h"
+#include "imgproc/CaliModel.h"
+#include "sdk/LogMessage.h"
+#include "sdk/SimpleXMLInternals.h"
+#include "sdk/TagScanner.h"
+
+namespace cali {
+
+namespace {
+
+constexpr const char* kSource = "Cali";
+constexpr int kLineAlreadyLoaded = 71;
+constexpr int kLineSerialChanged = 76;
+constexpr int kLineDirectory = 96;
+constexpr int kLineFileName = 97;
+constexpr int kLineTec = 107;
+
+constexpr unsigned int kSuccess = 0;
+constexpr unsigned int kAccessDenied = 0x80070005U;
+
+class ElementScan {
+ public:
+  explicit ElementScan(Records& records) : records_(records) {}
+
+  // Looks for some elements, and for all that their rules name inside them.
+  void run(std::string_view text, ElementSet wanted) {
+    wanted_ = wanted;
+    open_ = 0;
+    found_ = 0;
+    ardo::TagScanner tags(text);
+    ardo::Tag tag;
+    while ((wanted_ | open_) != 0 && tags.next(tag)) {
+      const std::size_t element = elementNamed(tag.name);
+      if (element == kNoElement) continue;
+      if (tag.closing) {
+        close(element, tag.begin);
+      } else {
+        open(element, tag.end);
+      }
+    }
+  }
+
+  bool found(Element element) const { return (found_ & setOf(element)) != 0; }
+
+  std::string_view contentOf(Element element) const { return content_[element]; }
+
+ private:
+  void open(std::size_t element, const char* contentBegin) {
+    if ((wanted_ & setOf(element)) == 0) return;
+    wanted_ &= ~setOf(element);
+    wanted_ |= childrenOf(element);
+    open_ |= setOf(element);
+    content_[element] = {contentBegin, 0};
+    const ElementRule& rule = ruleOf(element);
+    if (rule.open != nullptr) rule.open(records_);
+  }
+
+  // Whatever is still open or looked for inside the element ends with it and was not there.
+  void close(std::size_t element, const char* contentEnd) {
+    if ((open_ & setOf(element)) == 0) return;
+    wanted_ &= ~descendantsOf(element);
+    open_ &= ~(descendantsOf(element) | setOf(element));
+    found_ |= setOf(element);
+    std::string_view& content = content_[element];
+    content = {content.data(), static_cast<std::size_t>(contentEnd - content.data())};
+    const ElementRule& rule = ruleOf(element);
+    if (rule.close != nullptr) rule.close(records_, content);
+    if (rule.repeated) wanted_ |= setOf(element);
+  }
+
+  Records& records_;
+  ElementSet wanted_ = 0;
+  ElementSet open_ = 0;
+  ElementSet found_ = 0;
+  std::array<std::string_view, kMostElements> content_;
+};
+
+// A level that is missing is passed over: its children are then looked for where it was.
+void readOptics(ElementScan& scan, Records& records, std::string_view text) {
+  std::string_view level = text;
+  if (scan.found(kTemperature)) {
+    level = scan.contentOf(kTemperature);
+  } else {
+    scan.run(text, setOf(kOptics));
+  }
+  if (scan.found(kOptics)) return;
+  records.opticsList.clear();
+  scan.run(level, setOf(kOpticsDef));
+}
+
+void readRecords(Records& records, std::string_view text) {
+  ElementScan scan(records);
+  scan.run(text, setOf(kMain) | setOf(kTemperature));
+  const bool mainFound = scan.found(kMain);
+  readOptics(scan, records, text);
+  if (!mainFound) {
+    records.main = MainSection();
+    scan.run(text, childrenOf(kMain));
+  }
+}
+
+unsigned int loadFile(ConfigCali& calibration, const char* path, int serial) {
+  std::array<char, 20> name{};
+  tsnprintf(name.data(), name.size(), "Cali-%i", serial);
+  ardo::logMessage(ardo::kLogDebug, kSource, kLineDirectory, "Calibration directory path: ", path);
+  ardo::logMessage(ardo::kLogDebug, kSource, kLineFileName, "Calibration file name: ", name.data());
+
+  ardo::SimpleXML document;
+  if (!document.open(path, name.data(), "CaliData") || !document.hasRoot()) return kAccessDenied;
+
+  Records records;
+  readRecords(records, ardo::SimpleXMLInternals::textOf(document));
+  *calibration.mainSection = records.main;
+  setOptics(*calibration.opticsList, records.opticsList);
+  ardo::logMessage(ardo::kLogDebug, kSource, kLineTec, "Calibration data A: ", records.main.TecA,
+                   " B:", records.main.TecB, " C:", records.main.TecC, " D:", records.main.TecD);
+  calibration.loaded = true;
+  calibration.serial = serial;
+  return kSuccess;
+}
+
+}  // namespace
+
+}  // namespace cali
+
+unsigned int ConfigCali::load(const char* path, int wanted) {
+  if (isLoaded(wanted)) {
+    ardo::logMessage(ardo::kLogDebug, cali::kSource, cali::kLineAlreadyLoaded,
+                     "Calibration XML file already loaded.");
+    return cali::kSuccess;
+  }
+  if (loaded) {
+    ardo::logMessage(ardo::kLogDebug, cali::kSource, cali::kLineSerialChanged,
+                     "Serial number has changed (", wanted, "), reload Calibration XML.");
+    cali::resetModel(*this);
+  }
+  return cali::loadFile(*this, path, wanted);
+}

@@ -1,0 +1,148 @@
+// The records of the calibration model, their initial values and their lifecycle.
+#include "imgproc/CaliModel.h"
+
+#include <algorithm>
+
+MainSection::MainSection()
+    : TecA(3400),
+      TecB(400),
+      TecC(400),
+      TecD(120),
+      TempTEC_Step(5.0F),
+      mainReserved(10.0F),
+      TempTECOffset(294.5F),
+      TempTECGain(13.055F),
+      TempFlagOffset(0.0F),
+      TempChipFactor(1.0F),
+      TempChipOffset(0.0F),
+      TempBoxOffset(0.0F),
+      TempOpticsOffset(0.0F),
+      TempProcOffset(0.0F),
+      TempHouseOffset(0.0F),
+      PifInOffset(0.0F),
+      PifInGain(1.0F),
+      PifOutOffset(0.0F),
+      PifOutGain(1.0F),
+      AddedOffset(0),
+      BindTempChipToTempFlagOffset(0.8F),
+      FlagCycles(10),
+      FlagCycles_Ignore(2),
+      AlphaLowTemp(23.0F),
+      AlphaLowFactor(1.0F) {}
+
+namespace cali {
+
+namespace {
+
+// Moves owned records into a counted array of pointers, as the public records hold them.
+template <typename Record, typename Pointer>
+void moveToArray(std::vector<Pointer>& from, Record**& array, std::int32_t& count) {
+  array = new Record*[from.size()];
+  std::transform(from.begin(), from.end(), array,
+                 [](Pointer& pointer) { return pointer.release(); });
+  count = static_cast<std::int32_t>(from.size());
+}
+
+template <typename Record, typename Release>
+void releaseArray(Record**& array, std::int32_t& count, Release release) {
+  if (array == nullptr) return;
+  std::for_each(array, array + count, release);
+  delete[] array;
+  array = nullptr;
+  count = 0;
+}
+
+RangePointer makeRangeOf(float low, float high) {
+  RangePointer range = makeRange();
+  range->TempLo = low;
+  range->TempHi = high;
+  return range;
+}
+
+void releaseOptics(OpticsList& list) { releaseArray(list.items, list.count, RecordDeleter()); }
+
+}  // namespace
+
+void RecordDeleter::operator()(TemperatureRange* range) const {
+  delete range->tableParams;
+  releaseArray(range->framerates, range->framerateCount, std::default_delete<FR>());
+  delete range;
+}
+
+void RecordDeleter::operator()(OpticsDef* optics) const {
+  releaseArray(optics->ranges, optics->rangeCount, *this);
+  delete[] optics->Text;
+  delete optics;
+}
+
+RangePointer makeRange() {
+  RangePointer range(new TemperatureRange);
+  range->tableParams = new TableParams;
+  return range;
+}
+
+OpticsPointer makeOptics() { return OpticsPointer(new OpticsDef); }
+
+void setFramerates(TemperatureRange& range, const std::vector<FR>& framerates) {
+  range.framerates = new FR*[framerates.size()];
+  std::transform(framerates.begin(), framerates.end(), range.framerates,
+                 [](FR framerate) { return new FR(framerate); });
+  range.framerateCount = static_cast<std::int32_t>(framerates.size());
+}
+
+void setRanges(OpticsDef& optics, std::vector<RangePointer>& ranges) {
+  moveToArray(ranges, optics.ranges, optics.rangeCount);
+}
+
+void setDefaultRanges(OpticsDef& optics) {
+  std::vector<RangePointer> ranges;
+  ranges.push_back(makeRangeOf(-20.0F, 100.0F));
+  ranges.push_back(makeRangeOf(0.0F, 250.0F));
+  ranges.push_back(makeRangeOf(150.0F, 900.0F));
+  setRanges(optics, ranges);
+}
+
+void setOptics(OpticsList& list, std::vector<OpticsPointer>& optics) {
+  releaseOptics(list);
+  moveToArray(optics, list.items, list.count);
+}
+
+void resetModel(ConfigCali& calibration) {
+  releaseModel(calibration);
+  constexpr std::int32_t kInitialFieldOfView = 30;
+  std::vector<OpticsPointer> optics;
+  optics.push_back(makeOptics());
+  optics.front()->FOV = kInitialFieldOfView;
+  setDefaultRanges(*optics.front());
+
+  calibration.mainSection = new MainSection;
+  calibration.opticsList = new OpticsList;
+  setOptics(*calibration.opticsList, optics);
+  calibration.loaded = false;
+  calibration.serial = -1;
+}
+
+void releaseModel(ConfigCali& calibration) {
+  delete calibration.mainSection;
+  calibration.mainSection = nullptr;
+  if (calibration.opticsList != nullptr) releaseOptics(*calibration.opticsList);
+  delete calibration.opticsList;
+  calibration.opticsList = nullptr;
+}
+
+}  // namespace cali
+
+ConfigCali* ConfigCali::_this = nullptr;
+
+ConfigCali* ConfigCali::getInstance() {
+  if (_this == nullptr) _this = new ConfigCali;
+  return _this;
+}
+
+ConfigCali::ConfigCali() : mainSection(nullptr), opticsList(nullptr), loaded(false), serial(-1) {
+  cali::resetModel(*this);
+}
+
+ConfigCali::~ConfigCali() { cali::releaseModel(*this); }
+
+bool ConfigCali::isLoaded(int wanted) { return loaded && serial == wanted; }

@@ -1,0 +1,190 @@
+// ConfigCali: queries on the model.
+#include <kalvista/Cali.h>
+
+#include <algorithm>
+#include <new>
+#include <string_view>
+
+namespace {
+
+constexpr int kNotFound = -1;
+constexpr int kNoSuchFramerate = -2;
+
+std::string_view textOrEmpty(const char* text) { return text != nullptr ? text : ""; }
+
+template <typename Record, typename Matches>
+int indexOf(Record* const* records, int count, Matches matches) {
+  Record* const* end = records + count;
+  Record* const* found = std::find_if(records, end, matches);
+  return found == end ? kNotFound : static_cast<int>(found - records);
+}
+
+bool isIndex(int index, int count) { return index >= 0 && index < count; }
+
+OpticsDef* findOptics(ConfigCali& calibration, OPTICS* key) {
+  const int index = calibration.getOpticsIndex(key);
+  return index == kNotFound ? nullptr : calibration.opticsList->items[index];
+}
+
+int indexOfRange(const OpticsDef& optics, const Range& key) {
+  return indexOf(optics.ranges, optics.rangeCount, [&key](const TemperatureRange* range) {
+    return range->TempLo == key.TempLo && range->TempHi == key.TempHi;
+  });
+}
+
+TemperatureRange* findRange(ConfigCali& calibration, OPTICS* optics, Range* range) {
+  const int index = calibration.getTempRangeIndex(optics, range);
+  return index == kNotFound ? nullptr : findOptics(calibration, optics)->ranges[index];
+}
+
+TemperatureRange* rangeAt(ConfigCali& calibration, OPTICS* key, int index) {
+  const OpticsDef* optics = findOptics(calibration, key);
+  if (optics == nullptr || !isIndex(index, optics->rangeCount)) return nullptr;
+  return optics->ranges[index];
+}
+
+constexpr Range kNoRange{1000000.0F, -1000000.0F};
+
+void widen(Range& overAll, const OpticsDef& optics) {
+  std::for_each(optics.ranges, optics.ranges + optics.rangeCount,
+                [&overAll](const TemperatureRange* range) {
+                  if (range->TempLo < overAll.TempLo) overAll.TempLo = range->TempLo;
+                  if (range->TempHi > overAll.TempHi) overAll.TempHi = range->TempHi;
+                });
+}
+
+Range* newRange(const Range& range) { return new (std::nothrow) Range(range); }
+
+}  // namespace
+
+int ConfigCali::getOpticsCount() { return opticsList->count; }
+
+int ConfigCali::getOpticsIndex(OPTICS* key) {
+  if (key == nullptr) return kNotFound;
+  const std::string_view text = textOrEmpty(key->Text);
+  return indexOf(opticsList->items, opticsList->count, [&](const OpticsDef* optics) {
+    return optics->FOV == key->FOV && textOrEmpty(optics->Text) == text;
+  });
+}
+
+int ConfigCali::getOpticsIndex(int fov, char* keyText) {
+  const std::string_view text = textOrEmpty(keyText);
+  return indexOf(opticsList->items, opticsList->count, [&](const OpticsDef* optics) {
+    const std::string_view own = textOrEmpty(optics->Text);
+    return optics->FOV == fov && (own.empty() || text.empty() || own == text);
+  });
+}
+
+OPTICS* ConfigCali::getOptics(int index) {
+  if (!isIndex(index, opticsList->count)) return nullptr;
+  const OpticsDef& optics = *opticsList->items[index];
+  return new (std::nothrow) OPTICS{optics.FOV, optics.Text};
+}
+
+int ConfigCali::getTempRangeCount(OPTICS* key) {
+  const OpticsDef* optics = findOptics(*this, key);
+  return optics != nullptr ? optics->rangeCount : kNotFound;
+}
+
+int ConfigCali::getTempRangeCount(int fov, char* text) {
+  OPTICS key{fov, text};
+  return getTempRangeCount(&key);
+}
+
+int ConfigCali::getTempRangeIndex(OPTICS* key, Range* range) {
+  const OpticsDef* optics = findOptics(*this, key);
+  if (optics == nullptr || range == nullptr) return kNotFound;
+  return indexOfRange(*optics, *range);
+}
+
+int ConfigCali::getTempRangeIndex(int fov, char* text, float tMin, float tMax) {
+  OPTICS key{fov, text};
+  Range range{tMin, tMax};
+  return getTempRangeIndex(&key, &range);
+}
+
+Range* ConfigCali::getTempRange(OPTICS* key, int index) {
+  const TemperatureRange* range = rangeAt(*this, key, index);
+  return range != nullptr ? newRange({range->TempLo, range->TempHi}) : nullptr;
+}
+
+Range* ConfigCali::getTempRange(int fov, char* text, int index) {
+  OPTICS key{fov, text};
+  return getTempRange(&key, index);
+}
+
+Range* ConfigCali::getExtendedTempRange(OPTICS* key, int index) {
+  const TemperatureRange* range = rangeAt(*this, key, index);
+  return range != nullptr ? newRange({range->TempLoExt, range->TempHiExt}) : nullptr;
+}
+
+Range* ConfigCali::getExtendedTempRange(int fov, char* text, int index) {
+  OPTICS key{fov, text};
+  return getExtendedTempRange(&key, index);
+}
+
+Range* ConfigCali::getExtendedTempRange(int fov, char* text, float tMin, float tMax) {
+  return getExtendedTempRange(fov, text, getTempRangeIndex(fov, text, tMin, tMax));
+}
+
+Range* ConfigCali::getTempRangeOverAll(OPTICS* key) {
+  const OpticsDef* optics = findOptics(*this, key);
+  if (optics == nullptr) return nullptr;
+  Range overAll = kNoRange;
+  widen(overAll, *optics);
+  return newRange(overAll);
+}
+
+Range* ConfigCali::getTempRangeOverAll() {
+  Range overAll = kNoRange;
+  std::for_each(opticsList->items, opticsList->items + opticsList->count,
+                [&overAll](const OpticsDef* optics) { widen(overAll, *optics); });
+  return newRange(overAll);
+}
+
+int ConfigCali::getFramerateCount(OPTICS* optics, Range* key) {
+  const TemperatureRange* range = findRange(*this, optics, key);
+  return range != nullptr ? range->framerateCount : kNotFound;
+}
+
+int ConfigCali::getFramerateIndex(OPTICS* optics, Range* key, unsigned short fr) {
+  const TemperatureRange* range = findRange(*this, optics, key);
+  if (range == nullptr || range->framerates == nullptr) return kNotFound;
+  const int index = indexOf(range->framerates, range->framerateCount,
+                            [fr](const FR* framerate) { return *framerate == fr; });
+  return index == kNotFound ? kNoSuchFramerate : index;
+}
+
+int ConfigCali::getFramerateIndex(int fov, char* text, float tMin, float tMax, unsigned short fr) {
+  OPTICS optics{fov, text};
+  Range range{tMin, tMax};
+  return getFramerateIndex(&optics, &range, fr);
+}
+
+unsigned short ConfigCali::getFramerate(OPTICS* optics, Range* key, int index) {
+  const TemperatureRange* range = findRange(*this, optics, key);
+  if (range == nullptr || !isIndex(index, range->framerateCount)) return 0;
+  return *range->framerates[index];
+}
+
+bool ConfigCali::checkFramerate(OPTICS* optics, Range* range, unsigned short& fr) {
+  const int index = getFramerateIndex(optics, range, fr);
+  if (index >= 0) return true;
+  fr = 0;
+  // A range that is unknown or lists no frame rates takes any: its files carry none in their names.
+  return index == kNotFound;
+}
+
+bool ConfigCali::checkFramerate(int fov, char* text, float tMin, float tMax, unsigned short& fr) {
+  OPTICS optics{fov, text};
+  Range range{tMin, tMax};
+  return checkFramerate(&optics, &range, fr);
+}
+
+unsigned short ConfigCali::getTempRangeDecimal(int fov, char* text, float tMin, float tMax) {
+  const int optics = getOpticsIndex(fov, text);
+  const int range = getTempRangeIndex(fov, text, tMin, tMax);
+  // The two rules of matching may find two optics, of which the first has fewer ranges.
+  if (optics < 0 || !isIndex(range, opticsList->items[optics]->rangeCount)) return 0;
+  return opticsList->items[optics]->ranges[range]->Decimal;
+}
