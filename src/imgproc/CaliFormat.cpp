@@ -109,20 +109,20 @@ void closeTableParams(Records& records, std::string_view /*text*/) {
 
 constexpr ElementRule container(std::string_view name, std::size_t parent, void (*open)(Records&),
                                 void (*close)(Records&, std::string_view)) {
-  return {name, parent, false, open, close};
+  return {name, parent, false, open, close, 0, 0};
 }
 
 constexpr ElementRule repeated(std::string_view name, std::size_t parent, void (*open)(Records&),
                                void (*close)(Records&, std::string_view)) {
-  return {name, parent, true, open, close};
+  return {name, parent, true, open, close, 0, 0};
 }
 
 constexpr ElementRule value(std::string_view name, std::size_t parent,
                             void (*close)(Records&, std::string_view)) {
-  return {name, parent, false, nullptr, close};
+  return {name, parent, false, nullptr, close, 0, 0};
 }
 
-constexpr std::array kRules{
+constexpr std::array kDescribed{
     container("Main", kNoElement, openMain, nullptr),
     container("Temperature", kNoElement, nullptr, nullptr),
     container("Optics", kTemperature, openOptics, nullptr),
@@ -180,31 +180,20 @@ constexpr std::array kRules{
     value("E3", kTableParams, inTable<&TableParams::E3>),
     value("Lambda", kTableParams, inTableAs<float, &TableParams::Lambda>),
 };
-static_assert(kRules.size() <= kMostElements);
-static_assert(kRules[kTableParams].name == "TableParams");
+static_assert(kDescribed.size() <= kMostElements);
+static_assert(kDescribed[kTableParams].name == "TableParams");
 
-using Sets = std::array<ElementSet, kRules.size()>;
-
-constexpr Sets collectChildren() {
-  Sets sets{};
-  for (std::size_t i = 0; i < kRules.size(); ++i) {
-    if (kRules[i].parent != kNoElement) sets[kRules[i].parent] |= setOf(i);
-  }
-  return sets;
-}
-
-constexpr Sets collectDescendants() {
-  Sets sets{};
-  for (std::size_t i = 0; i < kRules.size(); ++i) {
-    for (std::size_t at = kRules[i].parent; at != kNoElement; at = kRules[at].parent) {
-      sets[at] |= setOf(i);
+constexpr auto withFamilies(std::array<ElementRule, kDescribed.size()> rules) {
+  for (std::size_t i = 0; i < rules.size(); ++i) {
+    if (rules[i].parent != kNoElement) rules[rules[i].parent].children |= setOf(i);
+    for (std::size_t at = rules[i].parent; at != kNoElement; at = rules[at].parent) {
+      rules[at].descendants |= setOf(i);
     }
   }
-  return sets;
+  return rules;
 }
 
-constexpr Sets kChildren = collectChildren();
-constexpr Sets kDescendants = collectDescendants();
+constexpr auto kRules = withFamilies(kDescribed);
 
 // Names are told apart by a table in which each of them has a slot of its own. Whoever adds a name
 // that meets another's slot changes the weights.
@@ -242,10 +231,6 @@ constexpr std::array<std::uint8_t, kSlots> kElementInSlot = fillSlots();
 }  // namespace
 
 const ElementRule& ruleOf(std::size_t element) { return kRules[element]; }
-
-ElementSet childrenOf(std::size_t element) { return kChildren[element]; }
-
-ElementSet descendantsOf(std::size_t element) { return kDescendants[element]; }
 
 std::size_t elementNamed(std::string_view name) {
   if (name.empty()) return kNoElement;

@@ -41,24 +41,22 @@ enum Element : std::size_t {
   kNoElement = 255,
 };
 
+// Sets of elements, a bit each.
+using ElementSet = std::uint64_t;
+constexpr std::size_t kMostElements = 64;
+constexpr ElementSet setOf(std::size_t element) { return ElementSet{1} << element; }
+
 struct ElementRule {
   std::string_view name;
   std::size_t parent;                              // kNoElement for the root
   bool repeated;                                   // its parent may hold any number
   void (*open)(Records&);                          // may be null
   void (*close)(Records&, std::string_view text);  // may be null
+  ElementSet children;
+  ElementSet descendants;
 };
 
 const ElementRule& ruleOf(std::size_t element);
-
-constexpr std::size_t kMostElements = 64;
-
-// Sets of elements, a bit each.
-using ElementSet = std::uint64_t;
-constexpr ElementSet setOf(std::size_t element) { return ElementSet{1} << element; }
-
-ElementSet childrenOf(std::size_t element);
-ElementSet descendantsOf(std::size_t element);
 
 // kNoElement for a name that the format does not know. A name stands for one element at one place.
 std::size_t elementNamed(std::string_view name);

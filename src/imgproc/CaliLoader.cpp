@@ -43,8 +43,15 @@ class ElementScan {
     found_ = 0;
     ardo::TagScanner tags(text);
     ardo::Tag tag;
-    while ((wanted_ | open_) != 0 && tags.next(tag)) {
-      const std::size_t element = elementNamed(tag.name);
+    std::size_t element = kNoElement;
+    while ((wanted_ | open_) != 0) {
+      // Most elements hold a value only, so that their own closing tag comes next.
+      if (isOpen(element) && tags.takeClosing(ruleOf(element).name, tag)) {
+        close(element, tag.begin);
+        continue;
+      }
+      if (!tags.next(tag)) break;
+      element = elementNamed(tag.name);
       if (element == kNoElement) continue;
       if (tag.closing) {
         close(element, tag.begin);
@@ -59,25 +66,29 @@ class ElementScan {
   std::string_view contentOf(Element element) const { return content_[element]; }
 
  private:
+  bool isOpen(std::size_t element) const {
+    return element != kNoElement && (open_ & setOf(element)) != 0;
+  }
+
   void open(std::size_t element, const char* contentBegin) {
     if ((wanted_ & setOf(element)) == 0) return;
+    const ElementRule& rule = ruleOf(element);
     wanted_ &= ~setOf(element);
-    wanted_ |= childrenOf(element);
+    wanted_ |= rule.children;
     open_ |= setOf(element);
     content_[element] = {contentBegin, 0};
-    const ElementRule& rule = ruleOf(element);
     if (rule.open != nullptr) rule.open(records_);
   }
 
   // Whatever is still open or looked for inside the element ends with it and was not there.
   void close(std::size_t element, const char* contentEnd) {
-    if ((open_ & setOf(element)) == 0) return;
-    wanted_ &= ~descendantsOf(element);
-    open_ &= ~(descendantsOf(element) | setOf(element));
+    if (!isOpen(element)) return;
+    const ElementRule& rule = ruleOf(element);
+    wanted_ &= ~rule.descendants;
+    open_ &= ~(rule.descendants | setOf(element));
     found_ |= setOf(element);
     std::string_view& content = content_[element];
     content = {content.data(), static_cast<std::size_t>(contentEnd - content.data())};
-    const ElementRule& rule = ruleOf(element);
     if (rule.close != nullptr) rule.close(records_, content);
     if (rule.repeated) wanted_ |= setOf(element);
   }
@@ -109,7 +120,7 @@ void readRecords(Records& records, std::string_view text) {
   readOptics(scan, records, text);
   if (!mainFound) {
     records.main = MainSection();
-    scan.run(text, childrenOf(kMain));
+    scan.run(text, ruleOf(kMain).children);
   }
 }
 

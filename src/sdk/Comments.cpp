@@ -3,8 +3,6 @@
 #include <kalvista/SimpleXML.h>
 
 #include <cstring>
-#include <limits>
-#include <string_view>
 
 namespace ardo {
 
@@ -14,53 +12,48 @@ namespace {
 
 constexpr std::int32_t kOpening = 0;
 constexpr std::int32_t kClosing = 1;
-constexpr std::int32_t kNone = std::numeric_limits<std::int32_t>::max();
 
-// The comment delimiters of a text in their order; at one position the closing comes first.
+// The comment delimiters of a text in their order. Both kinds have two dashes, which are rare in
+// numbers and names: one search for dashes finds them all.
 class Delimiters {
  public:
-  Delimiters(const char* text, std::int32_t length) : text_(text), length_(length) {
-    findOpening(0);
-    findClosing(0);
-  }
+  // `text` is zero-terminated.
+  Delimiters(const char* text, std::int32_t length)
+      : text_(text), end_(text + length), dash_(nextDash(text)), closingFrom_(text) {}
 
   std::optional<CommentToken> next() {
-    if (opening_.position == kNone && closing_.position == kNone) return std::nullopt;
-    if (compTokens(opening_, closing_)) {
-      const CommentToken token = opening_;
-      findOpening(token.position + 1);
-      return token;
+    for (; dash_ != nullptr; dash_ = nextDash(dash_ + 1), openingTaken_ = false) {
+      if (dash_[1] != '-') continue;
+      if (!openingTaken_ && isOpening()) {
+        openingTaken_ = true;
+        return tokenAt(kOpening, dash_ - 2);
+      }
+      if (dash_[2] == '>' && dash_ >= closingFrom_) {
+        const char* end = dash_ + 3;
+        // A "-->" that follows another without a character between is text.
+        closingFrom_ = end + 1;
+        return tokenAt(kClosing, end);
+      }
     }
-    const CommentToken token = closing_;
-    // Starts one past the delimiter, so that in "-->-->" the second one is text.
-    findClosing(token.position + 1);
-    return token;
+    return std::nullopt;
   }
 
  private:
-  static constexpr std::string_view kOpeningText = "<!--";
-  static constexpr std::string_view kClosingText = "-->";
+  bool isOpening() const { return dash_ - text_ >= 2 && dash_[-1] == '!' && dash_[-2] == '<'; }
 
-  void findOpening(std::int32_t from) { opening_.position = find(kOpeningText, from); }
-
-  void findClosing(std::int32_t from) {
-    const std::int32_t position = find(kClosingText, from);
-    closing_.position =
-        position == kNone ? kNone : position + static_cast<std::int32_t>(kClosingText.size());
+  const char* nextDash(const char* from) const {
+    return static_cast<const char*>(std::memchr(from, '-', static_cast<std::size_t>(end_ - from)));
   }
 
-  std::int32_t find(std::string_view delimiter, std::int32_t from) const {
-    if (from >= length_) return kNone;
-    const void* found = memmem(text_ + from, static_cast<std::size_t>(length_ - from),
-                               delimiter.data(), delimiter.size());
-    if (found == nullptr) return kNone;
-    return static_cast<std::int32_t>(static_cast<const char*>(found) - text_);
+  CommentToken tokenAt(std::int32_t kind, const char* position) const {
+    return {kind, static_cast<std::int32_t>(position - text_)};
   }
 
   const char* text_;
-  std::int32_t length_;
-  CommentToken opening_{kOpening, kNone};
-  CommentToken closing_{kClosing, kNone};
+  const char* end_;
+  const char* dash_;
+  const char* closingFrom_;
+  bool openingTaken_ = false;  // the opening at this dash was given
 };
 
 enum class Balance { kNoComments, kBalanced, kBroken };

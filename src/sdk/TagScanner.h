@@ -20,34 +20,47 @@ struct Tag {
 class TagScanner {
  public:
   // `text` must be followed by a zero byte.
-  explicit TagScanner(std::string_view text) : at_(text.data()), end_(at_ + text.size()) {}
+  explicit TagScanner(std::string_view text) : end_(text.data() + text.size()) {
+    findBracket(text.data());
+  }
+
+  // Takes the next tag if it is the closing tag of that name.
+  bool takeClosing(std::string_view name, Tag& tag) {
+    const std::size_t length = name.size() + 3;
+    if (bracket_ == nullptr || static_cast<std::size_t>(end_ - bracket_) < length ||
+        bracket_[length - 1] != '>' || bracket_[1] != '/' ||
+        std::memcmp(bracket_ + 2, name.data(), name.size()) != 0) {
+      return false;
+    }
+    tag = {name, true, bracket_, bracket_ + length};
+    findBracket(tag.end);
+    return true;
+  }
 
   bool next(Tag& tag) {
-    const char* open = nextOpening();
-    while (open != nullptr) {
-      const char* name = open + 1;
-      const bool closing = *name == '/';
-      if (closing) ++name;
-      at_ = name;
-      while (at_ != end_ && *at_ != '>' && *at_ != '<') ++at_;
-      if (at_ == end_) return false;
-      if (*at_ == '>') {
-        tag = {{name, static_cast<std::size_t>(at_ - name)}, closing, open, at_ + 1};
-        ++at_;
+    while (bracket_ != nullptr) {
+      const bool closing = bracket_[1] == '/';
+      const char* name = bracket_ + (closing ? 2 : 1);
+      const char* nameEnd = name;
+      while (*nameEnd != '>' && *nameEnd != '<' && nameEnd != end_) ++nameEnd;
+      if (*nameEnd == '>') {
+        tag = {{name, static_cast<std::size_t>(nameEnd - name)}, closing, bracket_, nameEnd + 1};
+        findBracket(tag.end);
         return true;
       }
-      open = at_;
+      bracket_ = nameEnd == end_ ? nullptr : nameEnd;
     }
     return false;
   }
 
  private:
-  const char* nextOpening() const {
-    return static_cast<const char*>(std::memchr(at_, '<', static_cast<std::size_t>(end_ - at_)));
+  void findBracket(const char* from) {
+    bracket_ =
+        static_cast<const char*>(std::memchr(from, '<', static_cast<std::size_t>(end_ - from)));
   }
 
-  const char* at_;
   const char* end_;
+  const char* bracket_ = nullptr;  // the next "<"
 };
 
 }  // namespace ardo
