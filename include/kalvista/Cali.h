@@ -29,31 +29,31 @@ class KALVISTA_API MainSection {
   /// Sets every constant to its default.
   MainSection();
 
-  std::uint16_t TecA;                  ///< 3400
-  std::uint16_t TecB;                  ///< 400
-  std::uint16_t TecC;                  ///< 400
-  std::uint16_t TecD;                  ///< 120
-  float TempTEC_Step;                  ///< 5
-  float mainReserved;                  ///< 10, never read from the file
-  float TempTECOffset;                 ///< 294.5
-  float TempTECGain;                   ///< 13.055
-  float TempFlagOffset;                ///< 0
-  float TempChipFactor;                ///< 1
-  float TempChipOffset;                ///< 0
-  float TempBoxOffset;                 ///< 0
-  float TempOpticsOffset;              ///< 0
-  float TempProcOffset;                ///< 0
-  float TempHouseOffset;               ///< 0
-  float PifInOffset;                   ///< 0
-  float PifInGain;                     ///< 1
-  float PifOutOffset;                  ///< 0
-  float PifOutGain;                    ///< 1
-  std::int16_t AddedOffset;            ///< 0
-  float BindTempChipToTempFlagOffset;  ///< 0.8
-  std::uint16_t FlagCycles;            ///< 10
-  std::uint16_t FlagCycles_Ignore;     ///< 2
-  float AlphaLowTemp;                  ///< 23
-  float AlphaLowFactor;                ///< 1
+  std::uint16_t TecA = 3400;                  ///< thermoelectric cooler, constant A
+  std::uint16_t TecB = 400;                   ///< thermoelectric cooler, constant B
+  std::uint16_t TecC = 400;                   ///< thermoelectric cooler, constant C
+  std::uint16_t TecD = 120;                   ///< thermoelectric cooler, constant D
+  float TempTEC_Step = 5.0F;                  ///< cooler temperature: step
+  float mainReserved = 10.0F;                 ///< never read from the file
+  float TempTECOffset = 294.5F;               ///< cooler temperature: offset
+  float TempTECGain = 13.055F;                ///< cooler temperature: gain
+  float TempFlagOffset = 0.0F;                ///< flag probe: offset
+  float TempChipFactor = 1.0F;                ///< chip probe: factor
+  float TempChipOffset = 0.0F;                ///< chip probe: offset
+  float TempBoxOffset = 0.0F;                 ///< box probe: offset
+  float TempOpticsOffset = 0.0F;              ///< optics probe: offset
+  float TempProcOffset = 0.0F;                ///< processor probe: offset
+  float TempHouseOffset = 0.0F;               ///< house probe: offset
+  float PifInOffset = 0.0F;                   ///< process interface input: offset
+  float PifInGain = 1.0F;                     ///< process interface input: gain
+  float PifOutOffset = 0.0F;                  ///< process interface output: offset
+  float PifOutGain = 1.0F;                    ///< process interface output: gain
+  std::int16_t AddedOffset = 0;               ///< added offset
+  float BindTempChipToTempFlagOffset = 0.8F;  ///< chip probe bound to the flag probe: offset
+  std::uint16_t FlagCycles = 10;              ///< cycles of the flag
+  std::uint16_t FlagCycles_Ignore = 2;        ///< cycles of the flag that are ignored
+  float AlphaLowTemp = 23.0F;                 ///< low-temperature correction: temperature
+  float AlphaLowFactor = 1.0F;                ///< low-temperature correction: factor
 };
 
 /// Parameters of a range's calibration table, carried for the imaging code.
@@ -288,10 +288,10 @@ class KALVISTA_API ConfigCali {
   bool caliFilenameString(int serial, int fov, char* text, Range* range, unsigned short fr,
                           char* out, int size);
 
-  MainSection* mainSection;  ///< device constants; owned
-  OpticsList* opticsList;    ///< the optics; owned
-  bool loaded;               ///< a calibration is loaded
-  std::int32_t serial;       ///< serial number of its camera; -1 when none is loaded
+  MainSection* mainSection = nullptr;  ///< device constants; owned
+  OpticsList* opticsList = nullptr;    ///< the optics; owned
+  bool loaded = false;                 ///< a calibration is loaded
+  std::int32_t serial = -1;            ///< serial number of its camera; -1 when none is loaded
 
   static ConfigCali* _this;  ///< the instance; null until the first getInstance()
 };

@@ -19,7 +19,7 @@ struct IRTempRange {
 
 /// Optics that a camera can be run with.
 struct IROptics {
-  std::int32_t fov;                     ///< field of view, in degrees
+  std::int32_t fov = 0;                 ///< field of view, in degrees
   std::vector<IRTempRange> tempRanges;  ///< its temperature ranges, in the calibration's order
   std::string text;                     ///< its text; empty when it has none
 };

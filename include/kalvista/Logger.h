@@ -66,13 +66,13 @@ class KALVISTA_API Logger {
   Logger(const Logger&) = delete;
   Logger& operator=(const Logger&) = delete;
 
-  bool configured;             ///< configure() has run
-  std::string filename;        ///< name of the log file in use, with its time
-  std::int32_t conf;           ///< sinks, a sum of loggerConf_
-  std::ofstream stream;        ///< the log file
-  std::uint32_t fileLevel;     ///< highest level written to the file
-  std::uint32_t consoleLevel;  ///< highest level written to standard error
-  ardo::Timer timer;           ///< started when the instance is made
+  bool configured = false;             ///< configure() has run
+  std::string filename;                ///< name of the log file in use, with its time
+  std::int32_t conf = LOGGER_FILE_ON;  ///< sinks, a sum of loggerConf_
+  std::ofstream stream;                ///< the log file
+  std::uint32_t fileLevel = 0;         ///< highest level written to the file
+  std::uint32_t consoleLevel = 0;      ///< highest level written to standard error
+  ardo::Timer timer;                   ///< started when the instance is made
 
   static Logger* m_;  ///< the instance; null when there is none
 };

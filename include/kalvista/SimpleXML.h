@@ -123,17 +123,17 @@ class KALVISTA_API SimpleXML {
   /// @return true when the child exists
   bool getString(const char* name, char** out);
 
-  std::int32_t length;          ///< characters of the text, **cut comments still counted**
-  std::int32_t nodeBegin[256];  ///< offset of the current element's content, for each depth
-  std::int32_t nodeEnd[256];    ///< offset of the current element's closing tag, for each depth
-  std::uint16_t depth;          ///< elements entered; 0 is the whole document
-  char* buffer;                 ///< the zero-terminated text; owned; null before open()
+  std::int32_t length = 0;           ///< characters of the text, **cut comments still counted**
+  std::int32_t nodeBegin[256] = {};  ///< offset of the current element's content, for each depth
+  std::int32_t nodeEnd[256] = {};  ///< offset of the current element's closing tag, for each depth
+  std::uint16_t depth = 0;         ///< elements entered; 0 is the whole document
+  char* buffer = nullptr;          ///< the zero-terminated text; owned; null before open()
 
  private:
   friend struct SimpleXMLInternals;
 
-  bool rootFound_;
-  std::int32_t textLength_;         // characters before the terminator
+  bool rootFound_ = false;
+  std::int32_t textLength_ = 0;     // characters before the terminator
   std::int32_t siblingIndex_[256];  // index that the element was last entered by, else -1
 };
 

@@ -116,7 +116,9 @@ namespace ardo {
 /// @return as tscanf()
 KALVISTA_API int _tscanfi(const char* str, int* out);
 /// Reads a decimal integer as "%ld".
-/// @copydetails _tscanfi
+/// @param str zero-terminated text
+/// @param out receives the value; untouched when nothing was converted
+/// @return as tscanf()
 KALVISTA_API int _tscanfld(const char* str, long* out);
 /// Reads a floating-point number as "%f", by the current numeric locale.
 /// @param str zero-terminated text

@@ -28,7 +28,7 @@ class BoundedText {
 
   template <typename Integer>
   BoundedText& appendNumber(Integer number) {
-    std::array<char, 12> digits;
+    std::array<char, 12> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
     return append({digits.data(), static_cast<std::size_t>(end - digits.data())});
   }

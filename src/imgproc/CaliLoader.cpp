@@ -63,9 +63,17 @@ class ElementScan {
 
   bool found(Element element) const { return (found_ & setOf(element)) != 0; }
 
-  std::string_view contentOf(Element element) const { return content_[element]; }
+  std::string_view contentOf(std::size_t element) const {
+    const Content& content = contents_[element];
+    return {content.begin, static_cast<std::size_t>(content.end - content.begin)};
+  }
 
  private:
+  struct Content {
+    const char* begin = nullptr;
+    const char* end = nullptr;
+  };
+
   bool isOpen(std::size_t element) const {
     return element != kNoElement && (open_ & setOf(element)) != 0;
   }
@@ -76,7 +84,7 @@ class ElementScan {
     wanted_ &= ~setOf(element);
     wanted_ |= rule.children;
     open_ |= setOf(element);
-    content_[element] = {contentBegin, 0};
+    contents_[element].begin = contentBegin;
     if (rule.open != nullptr) rule.open(records_);
   }
 
@@ -87,9 +95,8 @@ class ElementScan {
     wanted_ &= ~rule.descendants;
     open_ &= ~(rule.descendants | setOf(element));
     found_ |= setOf(element);
-    std::string_view& content = content_[element];
-    content = {content.data(), static_cast<std::size_t>(contentEnd - content.data())};
-    if (rule.close != nullptr) rule.close(records_, content);
+    contents_[element].end = contentEnd;
+    if (rule.close != nullptr) rule.close(records_, contentOf(element));
     if (rule.repeated) wanted_ |= setOf(element);
   }
 
@@ -97,7 +104,7 @@ class ElementScan {
   ElementSet wanted_ = 0;
   ElementSet open_ = 0;
   ElementSet found_ = 0;
-  std::array<std::string_view, kMostElements> content_;
+  std::array<Content, kMostElements> contents_{};
 };
 
 // A level that is missing is passed over: its children are then looked for where it was.

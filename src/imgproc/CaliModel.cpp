@@ -3,32 +3,7 @@
 
 #include <algorithm>
 
-MainSection::MainSection()
-    : TecA(3400),
-      TecB(400),
-      TecC(400),
-      TecD(120),
-      TempTEC_Step(5.0F),
-      mainReserved(10.0F),
-      TempTECOffset(294.5F),
-      TempTECGain(13.055F),
-      TempFlagOffset(0.0F),
-      TempChipFactor(1.0F),
-      TempChipOffset(0.0F),
-      TempBoxOffset(0.0F),
-      TempOpticsOffset(0.0F),
-      TempProcOffset(0.0F),
-      TempHouseOffset(0.0F),
-      PifInOffset(0.0F),
-      PifInGain(1.0F),
-      PifOutOffset(0.0F),
-      PifOutGain(1.0F),
-      AddedOffset(0),
-      BindTempChipToTempFlagOffset(0.8F),
-      FlagCycles(10),
-      FlagCycles_Ignore(2),
-      AlphaLowTemp(23.0F),
-      AlphaLowFactor(1.0F) {}
+MainSection::MainSection() = default;
 
 namespace cali {
 
@@ -139,9 +114,7 @@ ConfigCali* ConfigCali::getInstance() {
   return _this;
 }
 
-ConfigCali::ConfigCali() : mainSection(nullptr), opticsList(nullptr), loaded(false), serial(-1) {
-  cali::resetModel(*this);
-}
+ConfigCali::ConfigCali() { cali::resetModel(*this); }
 
 ConfigCali::~ConfigCali() { cali::releaseModel(*this); }
 

@@ -43,7 +43,7 @@ std::optional<std::string> readAttribute(const std::string& device, const char* 
   const int descriptor =
       open((device + "/" + attribute).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (descriptor < 0) return std::nullopt;
-  std::array<char, kPage> content;
+  std::array<char, kPage> content{};
   const ssize_t count = read(descriptor, content.data(), content.size());
   close(descriptor);
   const std::string text(content.data(), count > 0 ? static_cast<std::size_t>(count) : 0);

@@ -16,7 +16,7 @@ namespace ardo {
 namespace {
 
 constexpr std::size_t kLongestLine = 4095;
-constexpr std::size_t kBlockSize = 64 * 1024;
+constexpr std::size_t kBlockSize = std::size_t{64} * 1024;
 
 class InputFile {
  public:

@@ -28,7 +28,7 @@ std::string_view levelWord(unsigned int level) {
 }
 
 void appendNumber(std::string& text, int number) {
-  std::array<char, 16> digits;
+  std::array<char, 16> digits{};
   const auto end = std::to_chars(digits.begin(), digits.end(), number).ptr;
   text.append(digits.begin(), end);
 }
@@ -37,7 +37,7 @@ void appendNumber(std::string& text, int number) {
 // and no quotient by 1000 comes near enough to a tie of six digits for the division to matter.
 void appendSeconds(std::string& text, long double milliseconds) {
   constexpr int kSignificantDigits = 6;
-  std::array<char, 32> digits;
+  std::array<char, 32> digits{};
   const auto end =
       std::to_chars(digits.begin(), digits.end(), static_cast<double>(milliseconds) / 1000.0,
                     std::chars_format::general, kSignificantDigits)
@@ -100,7 +100,7 @@ void Logger::releaseInstance() {
   m_ = nullptr;
 }
 
-Logger::Logger() : configured(false), conf(LOGGER_FILE_ON), fileLevel(0), consoleLevel(0) {}
+Logger::Logger() = default;
 
 Logger::~Logger() {
   if ((conf & LOGGER_FILE_ON) != 0) stream.close();

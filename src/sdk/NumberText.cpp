@@ -42,6 +42,8 @@ void convert(std::string_view text, Number* value) {
 
 template <typename Number>
 void scan(std::string_view text, Number* value, int (*scanner)(const char*, Number*)) {
+  // The text lies in a document's own buffer, which is not constant.
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
   char& afterText = const_cast<char&>(*(text.data() + text.size()));
   const char kept = std::exchange(afterText, '\0');
   scanner(text.data(), value);

@@ -22,14 +22,7 @@ constexpr int kLineBrokenComments = 135;
 
 }  // namespace
 
-SimpleXML::SimpleXML()
-    : length(0),
-      nodeBegin{},
-      nodeEnd{},
-      depth(0),
-      buffer(nullptr),
-      rootFound_(false),
-      textLength_(0) {
+SimpleXML::SimpleXML() {
   std::setlocale(LC_NUMERIC, "C");
   std::fill(std::begin(siblingIndex_), std::end(siblingIndex_), -1);
 }

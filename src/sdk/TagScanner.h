@@ -9,9 +9,9 @@ namespace ardo {
 
 struct Tag {
   std::string_view name;
-  bool closing;
-  const char* begin;  // its "<"
-  const char* end;    // past its ">"
+  bool closing = false;
+  const char* begin = nullptr;  // its "<"
+  const char* end = nullptr;    // past its ">"
 };
 
 // A tag is "<name>" or "</name>" with no bracket within. A search of the text for the tag of a
