@@ -132,9 +132,14 @@ class KALVISTA_API SimpleXML {
  private:
   friend struct SimpleXMLInternals;
 
+  struct Sibling {
+    std::int32_t number;  // index + 1; 0 when the element was not entered by index
+    std::int32_t tagLength;
+  };
+
   bool rootFound_ = false;
-  std::int32_t textLength_ = 0;     // characters before the terminator
-  std::int32_t siblingIndex_[256];  // index that the element was last entered by, else -1
+  std::int32_t textLength_ = 0;  // characters before the terminator
+  Sibling siblings_[256] = {};   // how the element was last entered, for each depth
 };
 
 }  // namespace ardo

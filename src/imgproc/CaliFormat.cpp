@@ -122,7 +122,7 @@ constexpr ElementRule value(std::string_view name, std::size_t parent,
   return {name, parent, false, nullptr, close, 0, 0};
 }
 
-constexpr std::array kDescribed{
+constexpr std::array kRules{
     container("Main", kNoElement, openMain, nullptr),
     container("Temperature", kNoElement, nullptr, nullptr),
     container("Optics", kTemperature, openOptics, nullptr),
@@ -180,10 +180,10 @@ constexpr std::array kDescribed{
     value("E3", kTableParams, inTable<&TableParams::E3>),
     value("Lambda", kTableParams, inTableAs<float, &TableParams::Lambda>),
 };
-static_assert(kDescribed.size() <= kMostElements);
-static_assert(kDescribed[kTableParams].name == "TableParams");
+static_assert(kRules.size() == kElementCount && kElementCount <= kNoElement);
+static_assert(kRules[kTableParams].name == "TableParams");
 
-constexpr auto withFamilies(std::array<ElementRule, kDescribed.size()> rules) {
+constexpr auto withFamilies(std::array<ElementRule, kElementCount> rules) {
   for (std::size_t i = 0; i < rules.size(); ++i) {
     if (rules[i].parent != kNoElement) rules[rules[i].parent].children |= setOf(i);
     for (std::size_t at = rules[i].parent; at != kNoElement; at = rules[at].parent) {
@@ -192,8 +192,6 @@ constexpr auto withFamilies(std::array<ElementRule, kDescribed.size()> rules) {
   }
   return rules;
 }
-
-constexpr auto kRules = withFamilies(kDescribed);
 
 // Names are told apart by a table in which each of them has a slot of its own. Whoever adds a name
 // that meets another's slot changes the weights.
@@ -230,7 +228,7 @@ constexpr std::array<std::uint8_t, kSlots> kElementInSlot = fillSlots();
 
 }  // namespace
 
-const ElementRule& ruleOf(std::size_t element) { return kRules[element]; }
+const std::array<ElementRule, kElementCount> kElementRules = withFamilies(kRules);
 
 std::size_t elementNamed(std::string_view name) {
   if (name.empty()) return kNoElement;

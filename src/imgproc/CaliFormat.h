@@ -4,6 +4,7 @@
 
 #include <kalvista/Cali.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -16,6 +17,13 @@ namespace cali {
 // Records in the making. A record joins its parent when its element is closed, so that an element
 // whose closing tag is missing leaves no trace.
 struct Records {
+  Records() {
+    constexpr std::size_t kUsualCount = 8;
+    opticsList.reserve(kUsualCount);
+    ranges.reserve(kUsualCount);
+    framerates.reserve(kUsualCount);
+  }
+
   MainSection main;
   std::vector<OpticsPointer> opticsList;
   OpticsPointer optics;
@@ -37,13 +45,11 @@ enum Element : std::size_t {
   kFramerates,
   kFramerate,
   kTableParams,
-  kFirstValue,
-  kNoElement = 255,
+  kNoElement = 63,
 };
 
 // Sets of elements, a bit each.
 using ElementSet = std::uint64_t;
-constexpr std::size_t kMostElements = 64;
 constexpr ElementSet setOf(std::size_t element) { return ElementSet{1} << element; }
 
 struct ElementRule {
@@ -54,9 +60,12 @@ struct ElementRule {
   void (*close)(Records&, std::string_view text);  // may be null
   ElementSet children;
   ElementSet descendants;
+
+  bool holdsValue() const { return children == 0; }
 };
 
-const ElementRule& ruleOf(std::size_t element);
+constexpr std::size_t kElementCount = 51;
+extern const std::array<ElementRule, kElementCount> kElementRules;
 
 // kNoElement for a name that the format does not know. A name stands for one element at one place.
 std::size_t elementNamed(std::string_view name);

@@ -32,9 +32,19 @@ constexpr int kLineTec = 107;
 constexpr unsigned int kSuccess = 0;
 constexpr unsigned int kAccessDenied = 0x80070005U;
 
+std::string_view textBetween(const char* begin, const char* end) {
+  return {begin, static_cast<std::size_t>(end - begin)};
+}
+
 class ElementScan {
  public:
-  explicit ElementScan(Records& records) : records_(records) {}
+  explicit ElementScan(Records& records) : records_(records) {
+    // Until it is known better, an element holds a value, and elements come in the rules' order.
+    for (std::uint8_t element = 0; element + 1U < kElementCount; ++element) {
+      followers_[element] = {KnownTag{element, true},
+                             KnownTag{static_cast<std::uint8_t>(element + 1), false}};
+    }
+  }
 
   // Looks for some elements, and for all that their rules name inside them.
   void run(std::string_view text, ElementSet wanted) {
@@ -42,45 +52,93 @@ class ElementScan {
     open_ = 0;
     found_ = 0;
     ardo::TagScanner tags(text);
-    ardo::Tag tag;
-    std::size_t element = kNoElement;
-    while ((wanted_ | open_) != 0) {
-      // Most elements hold a value only, so that their own closing tag comes next.
-      if (isOpen(element) && tags.takeClosing(ruleOf(element).name, tag)) {
-        close(element, tag.begin);
-        continue;
+    KnownTag known;
+    while ((wanted_ | open_) != 0 && takeKnown(tags, known)) {
+      while (!known.closing && isWanted(known.element)) {
+        if (takeValue(tags, known)) continue;
+        open(known.element, tags.tagEnd());
+        break;
       }
-      if (!tags.next(tag)) break;
-      element = elementNamed(tag.name);
-      if (element == kNoElement) continue;
-      if (tag.closing) {
-        close(element, tag.begin);
-      } else {
-        open(element, tag.end);
-      }
+      if (known.closing) close(known.element, tags.tagBegin());
     }
   }
 
   bool found(Element element) const { return (found_ & setOf(element)) != 0; }
 
   std::string_view contentOf(std::size_t element) const {
-    const Content& content = contents_[element];
-    return {content.begin, static_cast<std::size_t>(content.end - content.begin)};
+    return textBetween(contents_[element].begin, contents_[element].end);
   }
 
  private:
+  struct KnownTag {
+    std::uint8_t element = kNoElement;
+    bool closing = false;
+  };
+
+  // From the closing tag of a value to the end of the next opening tag.
+  struct Step {
+    std::string_view text;
+    std::uint8_t next = kNoElement;
+  };
+
   struct Content {
     const char* begin = nullptr;
     const char* end = nullptr;
   };
 
-  bool isOpen(std::size_t element) const {
-    return element != kNoElement && (open_ & setOf(element)) != 0;
+  // What followed a tag last time most often does so again, and is told by one comparison.
+  bool takeKnown(ardo::TagScanner& tags, KnownTag& known) {
+    const KnownTag before = known;
+    const char* beforeBegin = tags.tagBegin();
+    KnownTag& follower = followers_[before.element][before.closing ? 1 : 0];
+    if (follower.element == kNoElement ||
+        !tags.takeExpected(kElementRules[follower.element].name, follower.closing)) {
+      if (!findKnown(tags, follower)) return false;
+    }
+    known = follower;
+    if (before.closing && !known.closing) {
+      steps_[before.element] = {textBetween(beforeBegin, tags.tagEnd()), known.element};
+    }
+    return true;
   }
 
+  static bool findKnown(ardo::TagScanner& tags, KnownTag& known) {
+    ardo::Tag tag;
+    while (tags.takeNext(tag)) {
+      const std::size_t element = elementNamed(tag.name);
+      if (element == kNoElement) continue;
+      known = {static_cast<std::uint8_t>(element), tag.closing};
+      return true;
+    }
+    return false;
+  }
+
+  // Opens and closes an element in one go when it holds a value only, as most do. Goes on to the
+  // opening tag that follows when the text between is that of the last time.
+  bool takeValue(ardo::TagScanner& tags, KnownTag& known) {
+    const std::size_t element = known.element;
+    const ElementRule& rule = kElementRules[element];
+    if (!rule.holdsValue()) return false;
+    const char* content = tags.tagEnd();
+    const Step& step = steps_[element];
+    if (!step.text.empty() && tags.takeRepeated(step.text)) {
+      known.element = step.next;
+    } else if (tags.takeExpected(rule.name, true)) {
+      known.closing = true;
+    } else {
+      return false;
+    }
+    wanted_ &= ~setOf(element);
+    rule.close(records_, textBetween(content, tags.tagBegin()));
+    return true;
+  }
+
+  bool isWanted(std::size_t element) const { return (wanted_ & setOf(element)) != 0; }
+
+  bool isOpen(std::size_t element) const { return (open_ & setOf(element)) != 0; }
+
   void open(std::size_t element, const char* contentBegin) {
-    if ((wanted_ & setOf(element)) == 0) return;
-    const ElementRule& rule = ruleOf(element);
+    const ElementRule& rule = kElementRules[element];
     wanted_ &= ~setOf(element);
     wanted_ |= rule.children;
     open_ |= setOf(element);
@@ -91,7 +149,7 @@ class ElementScan {
   // Whatever is still open or looked for inside the element ends with it and was not there.
   void close(std::size_t element, const char* contentEnd) {
     if (!isOpen(element)) return;
-    const ElementRule& rule = ruleOf(element);
+    const ElementRule& rule = kElementRules[element];
     wanted_ &= ~rule.descendants;
     open_ &= ~(rule.descendants | setOf(element));
     found_ |= setOf(element);
@@ -104,7 +162,9 @@ class ElementScan {
   ElementSet wanted_ = 0;
   ElementSet open_ = 0;
   ElementSet found_ = 0;
-  std::array<Content, kMostElements> contents_{};
+  std::array<std::array<KnownTag, 2>, kNoElement + 1> followers_;
+  std::array<Step, kElementCount> steps_{};
+  std::array<Content, kElementCount> contents_{};
 };
 
 // A level that is missing is passed over: its children are then looked for where it was.
@@ -127,7 +187,7 @@ void readRecords(Records& records, std::string_view text) {
   readOptics(scan, records, text);
   if (!mainFound) {
     records.main = MainSection();
-    scan.run(text, ruleOf(kMain).children);
+    scan.run(text, kElementRules[kMain].children);
   }
 }
 

@@ -9,7 +9,7 @@
 #include <cstring>
 #include <memory>
 
-#include "sdk/PathBuffer.h"
+#include "sdk/ConfigPath.h"
 
 namespace ardo {
 
@@ -26,10 +26,11 @@ bool canBeOpened(const char* path) {
 }
 
 bool isPresent(const char* dir, const char* name) {
-  PathBuffer path{};
-  return IRCalibrationManager::getInstance()->createConfigFilepath(path.data(), dir, kPathLimit,
-                                                                   name, "") &&
-         canBeOpened(path.data());
+  ConfigPath path;
+  if (!path.form(dir, name, "")) return false;
+  if (canBeOpened(path.text())) return true;
+  path.makeDirectory();
+  return false;
 }
 
 // A name that does not fit with its separator is left out: files may have vanished since the list

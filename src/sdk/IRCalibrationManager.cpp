@@ -6,7 +6,7 @@
 #include <cstring>
 #include <memory>
 
-#include "sdk/PathBuffer.h"
+#include "sdk/ConfigPath.h"
 
 namespace ardo {
 
@@ -27,6 +27,20 @@ char* append(char* end, unsigned long bound, const char* piece) {
   std::memcpy(end, piece, length);
   end[length] = '\0';
   return end + length;
+}
+
+// Puts the directory into the path and returns its end, null when the working directory is asked
+// for and cannot be had.
+char* startWithDirectory(char* path, const char* dir, short size) {
+  const auto bound = static_cast<unsigned long>(size);
+  if (*dir != '\0') return append(path, bound, dir);
+  if (getFolderPath(path, size) == nullptr) return nullptr;
+  return append(append(path + std::strlen(path), bound, "/"), bound, "Imager");
+}
+
+void appendFile(char* end, short size, const char* name, const char* ext) {
+  const auto bound = static_cast<unsigned long>(size);
+  append(append(append(end, bound, "/"), bound, name), bound, ext);
 }
 
 }  // namespace
@@ -67,21 +81,28 @@ bool IRCalibrationManager::createConfigFilepath(char* path, const char* dir, sho
   if (path == nullptr || dir == nullptr || name == nullptr || ext == nullptr || size < 1) {
     return false;
   }
-  const auto bound = static_cast<unsigned long>(size);
-  char* end = path;
-  if (*dir != '\0') {
-    end = append(end, bound, dir);
-  } else {
-    if (getFolderPath(path, size) == nullptr) return false;
-    end = append(path + std::strlen(path), bound, "/");
-    end = append(end, bound, "Imager");
-  }
+  char* end = startWithDirectory(path, dir, size);
+  if (end == nullptr) return false;
   // Usually the directory exists; when it cannot be made, its files are found missing.
   mkDir(path);
-  end = append(end, bound, "/");
-  end = append(end, bound, name);
-  append(end, bound, ext);
+  appendFile(end, size, name, ext);
   return true;
+}
+
+bool ConfigPath::form(const char* dir, const char* name, const char* ext) {
+  if (dir == nullptr || name == nullptr || ext == nullptr) return false;
+  const char* end = startWithDirectory(path_.data(), dir, kPathLimit);
+  if (end == nullptr) return false;
+  directoryLength_ = static_cast<std::size_t>(end - path_.data());
+  appendFile(path_.data() + directoryLength_, kPathLimit, name, ext);
+  return true;
+}
+
+void ConfigPath::makeDirectory() {
+  char& separator = path_[directoryLength_];
+  separator = '\0';
+  mkDir(path_.data());
+  separator = '/';
 }
 
 }  // namespace ardo

@@ -2,42 +2,65 @@
 
 #include <kalvista/TextRoutines.h>
 
-#include <algorithm>
-#include <charconv>
+#include <array>
 #include <utility>
 
 namespace ardo {
 
 namespace {
 
-// Most numbers are plain decimals, for which a conversion that knows no formats and no locale gives
-// the same value many times faster. Whatever is not plain goes to the scanner.
+// Most numbers are plain decimals, which a few operations convert to the scanner's value. Whatever
+// is not plain goes to the scanner.
 
-bool isDigit(char character) { return character >= '0' && character <= '9'; }
+bool takeSign(std::string_view& text) {
+  const bool negative = !text.empty() && text.front() == '-';
+  if (negative) text.remove_prefix(1);
+  return negative;
+}
 
 // Digits that no integer type overflows on, without the leading zero that means octal to "%i".
-bool isPlainInteger(std::string_view text) {
+template <typename Integer>
+bool readPlainInteger(std::string_view text, Integer* value) {
   constexpr std::size_t kMostDigits = 9;
-  if (!text.empty() && text.front() == '-') text.remove_prefix(1);
-  return !text.empty() && text.size() <= kMostDigits && (text.front() != '0' || text.size() == 1) &&
-         std::all_of(text.begin(), text.end(), isDigit);
+  const bool negative = takeSign(text);
+  if (text.empty() || text.size() > kMostDigits || (text.front() == '0' && text.size() > 1)) {
+    return false;
+  }
+  Integer number = 0;
+  for (const char character : text) {
+    if (character < '0' || character > '9') return false;
+    number = number * 10 + (character - '0');
+  }
+  *value = negative ? -number : number;
+  return true;
 }
 
-// Digits with at most one point among them, far from the ends of the type's range.
-bool isPlainFraction(std::string_view text) {
-  constexpr std::size_t kMostCharacters = 20;
-  if (!text.empty() && text.front() == '-') text.remove_prefix(1);
-  if (text.empty() || text.size() > kMostCharacters || !isDigit(text.front())) return false;
+// Digits with at most one point among them. With no more than these, the quotient of the digits and
+// a power of ten lies too far from a tie between two results for its own rounding to matter.
+bool readPlainFraction(std::string_view text, float* value) {
+  constexpr std::size_t kMostCharacters = 9;
+  constexpr unsigned int kLargestExactFloat = 1U << 24U;
+  constexpr std::array kPowersOfTen{1.0, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8};
+  const bool negative = takeSign(text);
+  if (text.empty() || text.size() > kMostCharacters || text.front() == '.') return false;
+  unsigned int digits = 0;
+  std::size_t decimals = 0;
   bool pointSeen = false;
-  return std::all_of(text.begin(), text.end(), [&pointSeen](char character) {
-    if (character == '.') return !std::exchange(pointSeen, true);
-    return isDigit(character);
-  });
-}
-
-template <typename Number>
-void convert(std::string_view text, Number* value) {
-  std::from_chars(text.data(), text.data() + text.size(), *value);
+  for (const char character : text) {
+    const auto digit = static_cast<unsigned int>(character - '0');
+    if (digit <= 9) {
+      digits = digits * 10 + digit;
+      decimals += pointSeen ? 1 : 0;
+    } else if (character == '.' && !pointSeen) {
+      pointSeen = true;
+    } else {
+      return false;
+    }
+  }
+  if (digits >= kLargestExactFloat) return false;
+  const auto magnitude = static_cast<float>(digits / kPowersOfTen[decimals]);
+  *value = negative ? -magnitude : magnitude;
+  return true;
 }
 
 template <typename Number>
@@ -53,18 +76,15 @@ void scan(std::string_view text, Number* value, int (*scanner)(const char*, Numb
 }  // namespace
 
 void readNumber(std::string_view text, int* value) {
-  if (isPlainInteger(text)) return convert(text, value);
-  scan(text, value, _tscanfi);
+  if (!readPlainInteger(text, value)) scan(text, value, _tscanfi);
 }
 
 void readNumber(std::string_view text, long* value) {
-  if (isPlainInteger(text)) return convert(text, value);
-  scan(text, value, _tscanfld);
+  if (!readPlainInteger(text, value)) scan(text, value, _tscanfld);
 }
 
 void readNumber(std::string_view text, float* value) {
-  if (isPlainFraction(text)) return convert(text, value);
-  scan(text, value, _tscanff);
+  if (!readPlainFraction(text, value)) scan(text, value, _tscanff);
 }
 
 }  // namespace ardo

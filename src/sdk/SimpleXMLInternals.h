@@ -20,8 +20,13 @@ struct SimpleXMLInternals {
   // Enters a child by index.
   static bool enterSibling(SimpleXML& document, const char* name, int index);
 
-  // Forgets the siblings that were entered at a level.
-  static void forgetSiblings(SimpleXML& document, int level) { document.siblingIndex_[level] = -1; }
+  // True when the element that was last entered at a level, by index, has that name.
+  static bool wasEnteredAs(const SimpleXML& document, int level, const char* name);
+
+  // Forgets which sibling was entered at a level.
+  static void forgetSibling(SimpleXML& document, int level) {
+    document.siblings_[level].number = 0;
+  }
 };
 
 }  // namespace ardo

@@ -1,15 +1,14 @@
 // SimpleXML: from a file to the text.
-#include <kalvista/IRCalibrationManager.h>
 #include <kalvista/SimpleXML.h>
 
-#include <algorithm>
 #include <clocale>
 #include <cstring>
 
 #include "sdk/Comments.h"
+#include "sdk/ConfigPath.h"
 #include "sdk/DocumentText.h"
 #include "sdk/LogMessage.h"
-#include "sdk/PathBuffer.h"
+#include "sdk/SimpleXMLInternals.h"
 
 namespace ardo {
 
@@ -22,10 +21,7 @@ constexpr int kLineBrokenComments = 135;
 
 }  // namespace
 
-SimpleXML::SimpleXML() {
-  std::setlocale(LC_NUMERIC, "C");
-  std::fill(std::begin(siblingIndex_), std::end(siblingIndex_), -1);
-}
+SimpleXML::SimpleXML() { std::setlocale(LC_NUMERIC, "C"); }
 
 SimpleXML::~SimpleXML() { delete[] buffer; }
 
@@ -42,7 +38,7 @@ bool SimpleXML::open(const char* file, const char* root) {
   length = document->length;
   rootFound_ = document->rootFound;
   depth = 0;
-  std::fill(std::begin(siblingIndex_), std::end(siblingIndex_), -1);
+  SimpleXMLInternals::forgetSibling(*this, 1);
 
   // The length keeps counting what is cut; the terminator bounds the text.
   const std::optional<std::int32_t> cutLength = cutComments(buffer, length);
@@ -56,12 +52,12 @@ bool SimpleXML::open(const char* file, const char* root) {
 }
 
 bool SimpleXML::open(const char* dir, char* name, const char* root) {
-  PathBuffer path{};
-  if (!IRCalibrationManager::getInstance()->createConfigFilepath(path.data(), dir, kPathLimit, name,
-                                                                 ".xml")) {
-    return false;
-  }
-  return open(path.data(), root);
+  ConfigPath path;
+  if (!path.form(dir, name, ".xml")) return false;
+  const bool opened = open(path.text(), root);
+  // A file that opens has its directory.
+  if (!opened) path.makeDirectory();
+  return opened;
 }
 
 bool SimpleXML::hasRoot() const { return rootFound_; }

@@ -43,12 +43,10 @@ int findTag(std::string_view text, std::string_view name, int from, int limit, b
   return kNotFound;
 }
 
-// True when an element of that name has its content at that offset.
-bool isNamed(std::string_view text, int contentBegin, const char* name) {
-  if (name == nullptr) return false;
-  const int tag = contentBegin - openingLength(name);
-  return tag >= 0 && contentBegin <= static_cast<int>(text.size()) &&
-         startsWithTag(text.substr(static_cast<std::size_t>(tag)), name, false);
+char* newText(std::string_view text) {
+  char* copy = new char[text.size() + 1];
+  *std::copy(text.begin(), text.end(), copy) = '\0';
+  return copy;
 }
 
 }  // namespace
@@ -57,7 +55,7 @@ bool SimpleXML::setNode() {
   nodeBegin[0] = 0;
   nodeEnd[0] = length;
   depth = 0;
-  SimpleXMLInternals::forgetSiblings(*this, 1);
+  SimpleXMLInternals::forgetSibling(*this, 1);
   return true;
 }
 
@@ -75,8 +73,8 @@ int SimpleXML::getKey(const char* name, int from, int limit, bool closing) {
 
 bool SimpleXMLInternals::enter(SimpleXML& document, const char* name, int from, int limit) {
   const int level = ++document.depth;
-  forgetSiblings(document, level);
-  forgetSiblings(document, level + 1);
+  forgetSibling(document, level);
+  forgetSibling(document, level + 1);
   int& begin = document.nodeBegin[level];
   int& end = document.nodeEnd[level];
   begin = document.getKey(name, from, limit, false);
@@ -86,20 +84,28 @@ bool SimpleXMLInternals::enter(SimpleXML& document, const char* name, int from, 
   return false;
 }
 
+bool SimpleXMLInternals::wasEnteredAs(const SimpleXML& document, int level, const char* name) {
+  const std::string_view text = textOf(document);
+  const int tag = document.nodeBegin[level] - document.siblings_[level].tagLength;
+  return name != nullptr && openingLength(name) == document.siblings_[level].tagLength &&
+         tag >= 0 && tag < static_cast<int>(text.size()) &&
+         startsWithTag(text.substr(static_cast<std::size_t>(tag)), name, false);
+}
+
 bool SimpleXMLInternals::enterSibling(SimpleXML& document, const char* name, int index) {
   const int parent = document.depth;
   const int level = parent + 1;
   int from = document.nodeBegin[parent];
   int next = 0;
   // A walk over siblings goes on behind the last one instead of counting them all again.
-  const int last = document.siblingIndex_[level];
-  if (last >= 0 && last < index && isNamed(textOf(document), document.nodeBegin[level], name)) {
+  const SimpleXML::Sibling last = document.siblings_[level];
+  if (last.number > 0 && last.number <= index && wasEnteredAs(document, level, name)) {
     from = document.nodeEnd[level];
-    next = last + 1;
+    next = last.number;
   }
   for (; enter(document, name, from, document.nodeEnd[parent]); ++next) {
     if (next == index) {
-      document.siblingIndex_[level] = index;
+      document.siblings_[level] = {index + 1, openingLength(name)};
       return true;
     }
     from = document.nodeEnd[level];
@@ -134,16 +140,12 @@ int SimpleXML::getNodeCount(const char* name) {
 }
 
 bool SimpleXML::getNode(char** out) {
-  const std::string_view text = SimpleXMLInternals::textOf(*this);
   const int begin = nodeBegin[depth];
-  const int end = std::min(nodeEnd[depth], length);
-  if (begin < 0 || end - begin < 1) return false;
-  const auto count = static_cast<std::size_t>(end - begin);
-  *out = new char[count + 1]();
-  if (begin < static_cast<int>(text.size())) {
-    const std::string_view content = text.substr(static_cast<std::size_t>(begin), count);
-    std::copy(content.begin(), content.end(), *out);
-  }
+  const int count = nodeEnd[depth] - std::max(begin, 0);
+  if (begin < 0 || count < 1) return false;
+  const std::string_view text = SimpleXMLInternals::textOf(*this);
+  const std::size_t from = std::min(static_cast<std::size_t>(begin), text.size());
+  *out = newText(text.substr(from, static_cast<std::size_t>(count)));
   return true;
 }
 
@@ -173,11 +175,7 @@ bool SimpleXML::getFloat(const char* name, float* out) { return readNumberChild(
 
 bool SimpleXML::getString(const char* name, char** out) {
   *out = nullptr;
-  return readChild(*this, name, [out](std::string_view text) {
-    *out = new char[text.size() + 1];
-    std::copy(text.begin(), text.end(), *out);
-    (*out)[text.size()] = '\0';
-  });
+  return readChild(*this, name, [out](std::string_view text) { *out = newText(text); });
 }
 
 }  // namespace ardo

@@ -2,6 +2,7 @@
 #ifndef KALVISTA_SDK_TAG_SCANNER_H
 #define KALVISTA_SDK_TAG_SCANNER_H
 
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 
@@ -10,8 +11,6 @@ namespace ardo {
 struct Tag {
   std::string_view name;
   bool closing = false;
-  const char* begin = nullptr;  // its "<"
-  const char* end = nullptr;    // past its ">"
 };
 
 // A tag is "<name>" or "</name>" with no bracket within. A search of the text for the tag of a
@@ -20,47 +19,67 @@ struct Tag {
 class TagScanner {
  public:
   // `text` must be followed by a zero byte.
-  explicit TagScanner(std::string_view text) : end_(text.data() + text.size()) {
-    findBracket(text.data());
-  }
+  explicit TagScanner(std::string_view text)
+      : at_(text.data()), end_(at_ + text.size()), next_(findBracket(at_)) {}
 
-  // Takes the next tag if it is the closing tag of that name.
-  bool takeClosing(std::string_view name, Tag& tag) {
-    const std::size_t length = name.size() + 3;
-    if (bracket_ == nullptr || static_cast<std::size_t>(end_ - bracket_) < length ||
-        bracket_[length - 1] != '>' || bracket_[1] != '/' ||
-        std::memcmp(bracket_ + 2, name.data(), name.size()) != 0) {
+  // Takes the next tag if it is the one that is expected.
+  bool takeExpected(std::string_view name, bool closing) {
+    const char* found = next_ + (closing ? 2 : 1);
+    if (end_ - found <= static_cast<std::ptrdiff_t>(name.size()) || found[name.size()] != '>' ||
+        (closing && next_[1] != '/') || std::memcmp(found, name.data(), name.size()) != 0) {
       return false;
     }
-    tag = {name, true, bracket_, bracket_ + length};
-    findBracket(tag.end);
+    taken_ = next_;
+    at_ = found + name.size() + 1;
+    next_ = findBracket(at_);
     return true;
   }
 
-  bool next(Tag& tag) {
-    while (bracket_ != nullptr) {
-      const bool closing = bracket_[1] == '/';
-      const char* name = bracket_ + (closing ? 2 : 1);
+  // Takes all up to the end of a tag if the text from the next tag on is that of a former place.
+  bool takeRepeated(std::string_view former) {
+    if (static_cast<std::size_t>(end_ - next_) < former.size() ||
+        std::memcmp(next_, former.data(), former.size()) != 0) {
+      return false;
+    }
+    taken_ = next_;
+    at_ = next_ + former.size();
+    next_ = findBracket(at_);
+    return true;
+  }
+
+  bool takeNext(Tag& tag) {
+    while (next_ != end_) {
+      const bool closing = next_[1] == '/';
+      const char* name = next_ + (closing ? 2 : 1);
       const char* nameEnd = name;
       while (*nameEnd != '>' && *nameEnd != '<' && nameEnd != end_) ++nameEnd;
       if (*nameEnd == '>') {
-        tag = {{name, static_cast<std::size_t>(nameEnd - name)}, closing, bracket_, nameEnd + 1};
-        findBracket(tag.end);
+        tag = {{name, static_cast<std::size_t>(nameEnd - name)}, closing};
+        taken_ = next_;
+        at_ = nameEnd + 1;
+        next_ = findBracket(at_);
         return true;
       }
-      bracket_ = nameEnd == end_ ? nullptr : nameEnd;
+      next_ = nameEnd;
     }
     return false;
   }
 
+  // Where what was taken last begins, and where it ends.
+  const char* tagBegin() const { return taken_; }
+  const char* tagEnd() const { return at_; }
+
  private:
-  void findBracket(const char* from) {
-    bracket_ =
-        static_cast<const char*>(std::memchr(from, '<', static_cast<std::size_t>(end_ - from)));
+  // The end of the text when there is none.
+  const char* findBracket(const char* from) const {
+    const void* found = std::memchr(from, '<', static_cast<std::size_t>(end_ - from));
+    return found != nullptr ? static_cast<const char*>(found) : end_;
   }
 
+  const char* at_;
   const char* end_;
-  const char* bracket_ = nullptr;  // the next "<"
+  const char* next_;             // the next "<"
+  const char* taken_ = nullptr;  // the "<" that was taken last
 };
 
 }  // namespace ardo
