@@ -1,0 +1,78 @@
+# shellcheck shell=bash
+# What the scripts of this folder share. It is sourced, not run.
+
+# shellcheck disable=SC2034  # used by the scripts that source this file
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+# step TEXT: says what is done next.
+step() { printf '\n==> %s\n' "$*"; }
+
+# die TEXT: ends the script with a sentence.
+die() {
+  printf '%s: %s\n' "$(basename "$0")" "$*" >&2
+  exit 3
+}
+
+# library_version: as the public header says it, such as 1.0.0.
+library_version() {
+  awk '/#define KALVISTA_VERSION_(MAJOR|MINOR|PATCH)/ { printf "%s%s", dot, $3; dot = "." }' \
+    "$root/include/kalvista/version.h"
+}
+
+# A script that calls end_with_verdict closes with "VERDICT: name: passed" or "... FAILED", wherever
+# it ends. A function before_verdict, if the script has one, is run first, to clean up.
+end_with_verdict() {
+  verdict_name=$1
+  trap print_verdict EXIT
+  trap 'exit 130' INT TERM
+}
+print_verdict() {
+  local status=$?
+  if declare -F before_verdict >/dev/null; then before_verdict; fi
+  if [[ $status -eq 0 ]]; then
+    printf '\nVERDICT: %s: passed\n' "$verdict_name"
+  else
+    printf '\nVERDICT: %s: FAILED (exit status %d)\n' "$verdict_name" "$status"
+  fi
+}
+
+# need_packages PACKAGE...: sees to it that Debian packages are installed. "a|b" asks for either,
+# and installs the first where both are missing. Nothing is asked of a package server when all are
+# there.
+need_packages() {
+  if ! command -v dpkg-query >/dev/null; then
+    echo "This is no Debian system; make sure that it has the equivalents of: $*"
+    return
+  fi
+  local wanted missing=()
+  for wanted in "$@"; do
+    is_installed "$wanted" || missing+=("${wanted%%|*}")
+  done
+  if [[ ${#missing[@]} -eq 0 ]]; then return; fi
+  if [[ $(id -u) -ne 0 ]]; then
+    die "packages are missing. Have them installed with: apt-get install ${missing[*]}"
+  fi
+  step "Installing ${missing[*]}"
+  apt-get -qq update || echo "The package lists could not be brought up to date; trying with the old ones."
+  DEBIAN_FRONTEND=noninteractive apt-get -qqy install --no-install-recommends "${missing[@]}"
+}
+is_installed() {
+  local package
+  for package in ${1//|/ }; do
+    if [[ $(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) == installed* ]]; then
+      return 0
+    fi
+  done
+  return 1
+}
+
+# The packages of each purpose.
+# shellcheck disable=SC2034
+build_packages=('g++|clang' make cmake)
+# shellcheck disable=SC2034
+tool_packages=(libcli11-dev nlohmann-json3-dev wget net-tools)
+# shellcheck disable=SC2034
+test_packages=(g++ clang ninja-build libgtest-dev libgmock-dev binutils util-linux mount iproute2
+  nginx-light python3 python3-jsonschema ansible-core)
+# shellcheck disable=SC2034
+check_packages=(clang-format clang-tidy shellcheck valgrind 'pkgconf|pkg-config' python3)
