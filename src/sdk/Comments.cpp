@@ -19,10 +19,10 @@ class Delimiters {
  public:
   // `text` is zero-terminated.
   Delimiters(const char* text, std::int32_t length)
-      : text_(text), end_(text + length), dash_(nextDash(text)), closingFrom_(text) {}
+      : text_(text), end_(text + length), dash_(findDash(text)), closingFrom_(text) {}
 
   std::optional<CommentToken> next() {
-    for (; dash_ != nullptr; dash_ = nextDash(dash_ + 1), openingTaken_ = false) {
+    for (; dash_ != nullptr; goToNextDash()) {
       if (dash_[1] != '-') continue;
       if (!openingTaken_ && isOpening()) {
         openingTaken_ = true;
@@ -41,7 +41,12 @@ class Delimiters {
  private:
   bool isOpening() const { return dash_ - text_ >= 2 && dash_[-1] == '!' && dash_[-2] == '<'; }
 
-  const char* nextDash(const char* from) const {
+  void goToNextDash() {
+    dash_ = dash_[1] == '-' ? dash_ + 1 : findDash(dash_ + 1);
+    openingTaken_ = false;
+  }
+
+  const char* findDash(const char* from) const {
     return static_cast<const char*>(std::memchr(from, '-', static_cast<std::size_t>(end_ - from)));
   }
 
