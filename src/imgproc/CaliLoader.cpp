@@ -8,9 +8,10 @@
 // a name belongs to one place only, both sets tell exactly what the single searches would find.
 #include <kalvista/Cali.h>
 #include <kalvista/SimpleXML.h>
-#include <kalvista/TextRoutines.h>
 
 #include <array>
+#include <string>
+#include <string_view>
 
 #include "imgproc/CaliFormat.h"
 #include "imgproc/CaliModel.h"
@@ -192,8 +193,7 @@ void readRecords(Records& records, std::string_view text) {
 }
 
 unsigned int loadFile(ConfigCali& calibration, const char* path, int serial) {
-  std::array<char, 20> name{};
-  tsnprintf(name.data(), name.size(), "Cali-%i", serial);
+  std::string name = "Cali-" + std::to_string(serial);
   ardo::logMessage(ardo::kLogDebug, kSource, kLineDirectory, "Calibration directory path: ", path);
   ardo::logMessage(ardo::kLogDebug, kSource, kLineFileName, "Calibration file name: ", name.data());
 

@@ -11,6 +11,7 @@
 #include <limits>
 #include <new>
 #include <string>
+#include <utility>
 
 namespace ardo {
 
@@ -59,10 +60,35 @@ const char* findByte(const char* from, const char* end, char byte) {
   return found != nullptr ? static_cast<const char*>(found) : end;
 }
 
-const char* findText(const char* from, const char* end, std::string_view text) {
-  const void* found = memmem(from, static_cast<std::size_t>(end - from), text.data(), text.size());
-  return found != nullptr ? static_cast<const char*>(found) : end;
-}
+// Finds a text by the letter of it that is most likely rare: markup is mostly lower case.
+class TextFinder {
+ public:
+  explicit TextFinder(std::string text) : text_(std::move(text)) {
+    const auto isUpper = [](char letter) { return letter >= 'A' && letter <= 'Z'; };
+    const auto rare = std::find_if(text_.rbegin(), text_.rend(), isUpper);
+    if (rare != text_.rend()) rare_ = static_cast<std::size_t>(text_.rend() - rare) - 1;
+  }
+
+  // `end` when it does not occur.
+  const char* find(const char* from, const char* end) const {
+    while (static_cast<std::size_t>(end - from) >= text_.size()) {
+      const char* rare = findByte(from + rare_, end, text_[rare_]);
+      from = rare - rare_;
+      if (static_cast<std::size_t>(end - from) < text_.size()) break;
+      if (std::memcmp(from, text_.data(), text_.size()) == 0) return from;
+      ++from;
+    }
+    return end;
+  }
+
+  bool isIn(std::string_view line) const {
+    return find(line.data(), line.data() + line.size()) != line.data() + line.size();
+  }
+
+ private:
+  std::string text_;
+  std::size_t rare_ = 0;
+};
 
 void replaceCarriageReturns(char* from, const char* end) {
   for (const char* at = findByte(from, end, '\r'); at != end; at = findByte(at, end, '\r')) {
@@ -115,7 +141,7 @@ class ContentCollector {
       if (isTooLong(from, lineEnd)) return nullptr;
       const std::string_view line = textOf(from, lineEnd);
       from = lineEnd + 1;
-      if (line.find(opening_) != std::string_view::npos) {
+      if (opening_.isIn(line)) {
         document_.rootFound = true;
         return takeContent(from, end);
       }
@@ -126,7 +152,7 @@ class ContentCollector {
   // Most blocks hold neither a zero byte nor the closing tag: their lines are copied unseen.
   const char* takeContent(const char* from, const char* end) {
     const char* zero = findByte(from, end, '\0');
-    const char* closing = findText(from, end, closing_);
+    const char* closing = closing_.find(from, end);
     while (from != nullptr) {
       from = copyLines(from, end, std::min(zero, closing));
       if (from == nullptr) return nullptr;
@@ -134,7 +160,7 @@ class ContentCollector {
       if (lineEnd == end) break;
       from = takeLine(from, lineEnd);
       if (from != nullptr && zero < from) zero = findByte(from, end, '\0');
-      if (from != nullptr && closing < from) closing = findText(from, end, closing_);
+      if (from != nullptr && closing < from) closing = closing_.find(from, end);
     }
     return from;
   }
@@ -159,7 +185,7 @@ class ContentCollector {
   const char* takeLine(const char* from, const char* lineEnd) {
     if (isTooLong(from, lineEnd)) return nullptr;
     const std::string_view line = textOf(from, lineEnd);
-    if (line.find(closing_) != std::string_view::npos) return nullptr;
+    if (closing_.isIn(line)) return nullptr;
     char* const copied = fill_;
     append(line.data(), line.size());
     replaceCarriageReturns(copied, fill_);
@@ -170,7 +196,7 @@ class ContentCollector {
     if (document_.rootFound) {
       takeLine(from, end);
     } else {
-      document_.rootFound = textOf(from, end).find(opening_) != std::string_view::npos;
+      document_.rootFound = opening_.isIn(textOf(from, end));
     }
   }
 
@@ -181,8 +207,8 @@ class ContentCollector {
     fill_ += count;
   }
 
-  std::string opening_;
-  std::string closing_;
+  TextFinder opening_;
+  TextFinder closing_;
   DocumentText& document_;
   char* fill_;
   bool started_ = false;  // the first "<" of the file has been seen
