@@ -1,7 +1,9 @@
 #include <kalvista/Logger.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <string_view>
@@ -33,16 +35,40 @@ void appendNumber(std::string& text, int number) {
   text.append(digits.begin(), end);
 }
 
-// Both clock readings are multiples of 2^-12 ms, so their difference is exact in double precision,
-// and no quotient by 1000 comes near enough to a tie of six digits for the division to matter.
+// Six significant digits in general notation, without an exponent. False, with nothing written,
+// for what needs one, and where the sixth digit hangs on how the format rounds a tie.
+bool appendPlainSeconds(std::string& text, long double seconds) {
+  constexpr int kDigits = 6;
+  constexpr std::array kPowersOfTen{1.0L, 1e1L, 1e2L, 1e3L, 1e4L, 1e5L, 1e6L, 1e7L, 1e8L, 1e9L};
+  const auto scale = std::find_if(kPowersOfTen.begin(), kPowersOfTen.end(),
+                                  [=](long double power) { return seconds * power >= 1e5L; });
+  if (scale == kPowersOfTen.end()) return false;
+  const long double scaled = seconds * *scale;
+  if (!(scaled < 999999.0L)) return false;
+  const int whole = static_cast<int>(scaled);
+  const long double rest = scaled - whole;
+  if (std::fabs(rest - 0.5L) < 1e-6L) return false;
+
+  std::array<char, kDigits> digits{};
+  std::to_chars(digits.begin(), digits.end(), whole + (rest > 0.5L ? 1 : 0));
+  const auto decimals = static_cast<std::size_t>(scale - kPowersOfTen.begin());
+  std::string number = decimals < kDigits ? "" : std::string(decimals + 1 - kDigits, '0');
+  number.append(digits.begin(), digits.end());
+  if (decimals > 0) {
+    number.insert(number.size() - decimals, ".");
+    number.erase(number.find_last_not_of('0') + 1);
+    if (number.back() == '.') number.pop_back();
+  }
+  text.append(number);
+  return true;
+}
+
 void appendSeconds(std::string& text, long double milliseconds) {
-  constexpr int kSignificantDigits = 6;
-  std::array<char, 32> digits{};
-  const auto end =
-      std::to_chars(digits.begin(), digits.end(), static_cast<double>(milliseconds) / 1000.0,
-                    std::chars_format::general, kSignificantDigits)
-          .ptr;
-  text.append(digits.begin(), end);
+  const long double seconds = milliseconds / 1000;
+  if (appendPlainSeconds(text, seconds)) return;
+  std::array<char, 32> number{};
+  std::snprintf(number.data(), number.size(), "%Lg", seconds);
+  text.append(number.data());
 }
 
 std::string composeLine(std::string_view head, std::string_view source, int line,
@@ -117,21 +143,34 @@ void Logger::configure(const std::string& file, loggerConf_ newConf, int newFile
   configured = true;
 }
 
+namespace {
+
+void reportNotConfigured(const Logger& log, std::string_view source, int line) {
+  if (notConfiguredReported) return;
+  const long double elapsed = log.timer.getTime();
+  std::fputs(composeLine("", source, line, elapsed, " Logger not configured!").c_str(), stderr);
+  notConfiguredReported = true;
+}
+
+// A function of its own, so that a message below the thresholds costs nothing of it.
+[[gnu::noinline]] void write(Logger& log, unsigned int level, std::string_view source, int line,
+                             std::string_view message) {
+  const std::string text =
+      composeLine(levelWord(level), source, line, log.timer.getTime(), message);
+  if (fileTakes(log, level)) {
+    log.stream.write(text.data(), static_cast<std::streamsize>(text.size())).flush();
+  }
+  if (consoleTakes(log, level)) std::fputs(text.c_str(), stderr);
+}
+
+}  // namespace
+
 void Logger::print(unsigned int level, const std::string& file, int line, const std::string& msg) {
   if (!configured) {
-    if (notConfiguredReported) return;
-    std::fputs(composeLine("", file, line, timer.getTime(), " Logger not configured!").c_str(),
-               stderr);
-    notConfiguredReported = true;
-    return;
+    reportNotConfigured(*this, file, line);
+  } else if (fileTakes(*this, level) || consoleTakes(*this, level)) {
+    write(*this, level, file, line, msg);
   }
-  const bool toFile = fileTakes(*this, level);
-  const bool toConsole = consoleTakes(*this, level);
-  if (!toFile && !toConsole) return;
-
-  const std::string text = composeLine(levelWord(level), file, line, timer.getTime(), msg);
-  if (toFile) stream.write(text.data(), static_cast<std::streamsize>(text.size())).flush();
-  if (toConsole) std::fputs(text.c_str(), stderr);
 }
 
 }  // namespace brivex
