@@ -145,14 +145,14 @@ void Logger::configure(const std::string& file, loggerConf_ newConf, int newFile
 
 namespace {
 
-void reportNotConfigured(const Logger& log, std::string_view source, int line) {
+// Functions of their own, so that a message below the thresholds costs nothing of them.
+[[gnu::noinline]] void reportNotConfigured(const Logger& log, std::string_view source, int line) {
   if (notConfiguredReported) return;
   const long double elapsed = log.timer.getTime();
   std::fputs(composeLine("", source, line, elapsed, " Logger not configured!").c_str(), stderr);
   notConfiguredReported = true;
 }
 
-// A function of its own, so that a message below the thresholds costs nothing of it.
 [[gnu::noinline]] void write(Logger& log, unsigned int level, std::string_view source, int line,
                              std::string_view message) {
   const std::string text =
