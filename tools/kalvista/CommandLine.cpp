@@ -1,0 +1,81 @@
+#include "CommandLine.h"
+
+#include <memory>
+#include <sstream>
+
+#include "Commands.h"
+#include "Failure.h"
+
+namespace tool {
+namespace {
+
+constexpr std::size_t kHelpColumn = 32;
+constexpr const char* kPurpose =
+    "Calibration files and configuration of USB infrared cameras: find the camera, make its "
+    "calibration complete, write its configuration.";
+constexpr const char* kExitCodes =
+    "Exit codes:\n"
+    "  0  done\n"
+    "  1  the answer is no: files are missing, nothing was found\n"
+    "  2  wrong usage\n"
+    "  3  could not: unreadable, not permitted, out of time";
+
+std::string exampleText(const std::string& example) { return "Example:\n  " + example + "\n\n"; }
+
+// The help of a command lists the options of the tool as well: they are accepted there.
+std::string commonOptionsText(const CLI::App& app, const CLI::Formatter& formatter) {
+  const auto options = app.get_options([](const CLI::Option* option) {
+    return option->get_name() != "--help" && option->get_name() != "--version";
+  });
+  // The group brings an empty line ahead of it, as the footer does.
+  return formatter.make_group("Options of every command", false, options).substr(1) + "\n";
+}
+
+}  // namespace
+
+CommandLine::CommandLine() : app_(kPurpose, "kalvista") {
+  const auto formatter = std::make_shared<CLI::Formatter>();
+  formatter->column_width(kHelpColumn);
+  formatter->label("SUBCOMMAND", "COMMAND");
+  app_.formatter(formatter);
+  app_.set_help_flag("-h,--help", "Show this help");
+  app_.set_version_flag("--version", versionText(), "Show the version");
+  app_.require_subcommand(1);
+  app_.fallthrough();
+  addCommonOptions(app_, common_);
+  const std::string commonOptions = commonOptionsText(app_, *formatter);
+  const std::vector<Command> commands = allCommands();
+  for (const Command& command : commands) {
+    CLI::App* subcommand = app_.add_subcommand(command.name, command.summary);
+    subcommand->group("Commands");
+    subcommand->footer(commonOptions + exampleText(command.example) + kExitCodes);
+    runners_[command.name] = command.declare(*subcommand);
+  }
+  app_.footer(exampleText(commands.front().example) + kExitCodes +
+              "\n\nHelp on one command: kalvista COMMAND --help");
+}
+
+std::string CommandLine::parse(int argumentCount, const char* const* arguments) {
+  try {
+    app_.parse(argumentCount, arguments);
+  } catch (const CLI::ParseError& error) {
+    std::ostringstream text;
+    if (app_.exit(error, text, text) == 0) return text.str();
+    throw Failure(ExitCode::WrongUsage, explain(error));
+  }
+  return "";
+}
+
+std::string CommandLine::commandName() const { return app_.get_subcommands().front()->get_name(); }
+
+std::string CommandLine::explain(const CLI::ParseError& error) const {
+  const bool commandKnown = !app_.get_subcommands().empty();
+  const std::string prefix = commandKnown ? commandName() + ": " : "";
+  const std::string reason = commandKnown || std::string(error.what()) != "A subcommand is required"
+                                 ? error.what()
+                                 : "no command is given";
+  return prefix + reason + "; see \"kalvista " + (commandKnown ? commandName() + " " : "") +
+         "--help\"";
+}
+
+}  // namespace tool

@@ -1,0 +1,10 @@
+#include "Commands.h"
+
+namespace tool {
+
+std::vector<Command> allCommands() {
+  return {setupCommand(), doctorCommand(),   serialCommand(), opticsCommand(), checkCommand(),
+          copyCommand(),  downloadCommand(), configCommand(), paramsCommand(), versionCommand()};
+}
+
+}  // namespace tool

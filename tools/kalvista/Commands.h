@@ -1,0 +1,30 @@
+// The table of commands.
+#ifndef KALVISTA_TOOL_COMMANDS_H
+#define KALVISTA_TOOL_COMMANDS_H
+
+#include <string>
+#include <vector>
+
+#include "Command.h"
+
+namespace tool {
+
+// In the order of the help.
+std::vector<Command> allCommands();
+
+std::string versionText();
+
+Command setupCommand();
+Command doctorCommand();
+Command serialCommand();
+Command opticsCommand();
+Command checkCommand();
+Command copyCommand();
+Command downloadCommand();
+Command configCommand();
+Command paramsCommand();
+Command versionCommand();
+
+}  // namespace tool
+
+#endif  // KALVISTA_TOOL_COMMANDS_H

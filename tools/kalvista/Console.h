@@ -1,0 +1,27 @@
+// Sentences for the person at the terminal, on standard error.
+#ifndef KALVISTA_TOOL_CONSOLE_H
+#define KALVISTA_TOOL_CONSOLE_H
+
+#include <string>
+#include <string_view>
+
+namespace tool {
+
+// With false only complaints are shown, no notes and no warnings.
+void setTalkative(bool talkative);
+
+// Progress.
+void note(const std::string& sentence);
+// Something that the user should know, though the command goes on.
+void warn(const std::string& sentence);
+// The reason why the command failed, or why its answer is no.
+void complain(const std::string& sentence);
+// What another program wrote.
+void quote(std::string_view output);
+
+// Replaces control characters: names and texts come from documents, and a terminal acts on them.
+std::string printable(std::string_view text);
+
+}  // namespace tool
+
+#endif  // KALVISTA_TOOL_CONSOLE_H

@@ -1,0 +1,44 @@
+// Files that appear whole or not at all, and what killed runs left behind.
+#ifndef KALVISTA_TOOL_FILES_H
+#define KALVISTA_TOOL_FILES_H
+
+#include <string>
+#include <string_view>
+
+namespace tool {
+
+// A file descriptor, closed at the end; -1 for none.
+class Descriptor {
+ public:
+  explicit Descriptor(int number) : number_(number) {}
+  ~Descriptor() { close(); }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int number() const { return number_; }
+  bool close();  // false when the system reports a delayed write error
+
+ private:
+  int number_;
+};
+
+std::string readFile(const std::string& path);  // empty when it cannot be read
+
+// False with errno set when not all could be written.
+bool writeAll(int descriptor, std::string_view content);
+
+// Forces a file that is to be renamed to the disk; false with errno set.
+bool flushToDisk(const std::string& path);
+
+// Writes beside the target, forces to the disk, and only then gives it its name: a run that is
+// killed leaves the target as it was. With `replace` false a file that exists meanwhile stays.
+void writeFileWhole(const std::string& path, std::string_view content, bool replace);
+
+// Hidden names in which a running process keeps what is not whole yet, such as
+// "<directory>/.kalvista-staging-1234-<process id>".
+std::string workName(const std::string& directory, const std::string& purpose);
+// Removes what has such a name and whose process has ended.
+void clearLeftovers(const std::string& directory);
+
+}  // namespace tool
+
+#endif  // KALVISTA_TOOL_FILES_H

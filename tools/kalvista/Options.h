@@ -1,0 +1,43 @@
+// Options that all commands share, and the kinds of arguments that several take.
+#ifndef KALVISTA_TOOL_OPTIONS_H
+#define KALVISTA_TOOL_OPTIONS_H
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+namespace tool {
+
+struct CommonOptions {
+  std::string calibrationDir;
+  std::string formatsDir;
+  bool json = false;
+  std::string verbosity;
+  std::string logFile;  // empty for none
+
+  bool isDebug() const { return verbosity == "debug"; }
+};
+
+// Declares the options; they are accepted before and after the name of a command.
+void addCommonOptions(CLI::App& app, CommonOptions& common);
+
+// Puts the options to work: directories and log of the library, and the working directory "/",
+// since all paths are absolute by now. The copy command of the library holds unquoted patterns,
+// which the command interpreter would expand in the user's folder.
+void applyCommonOptions(const CommonOptions& common);
+
+// Decimal digits, from 1 to the greatest number that names of calibration files can hold; `serial`
+// stays 0 when the argument is optional and not given.
+CLI::Option* addSerial(CLI::App& app, unsigned long& serial);
+CLI::Option* addPath(CLI::App& app, const std::string& name, std::string& path,
+                     const std::string& description);
+// Time limit of a download.
+CLI::Option* addTimeout(CLI::App& app, unsigned& seconds);
+
+// The calibration directory, as one that exists.
+void requireCalibrationDir(const CommonOptions& common);
+// The same where its path reaches the command interpreter.
+void requireWorkableCalibrationDir(const CommonOptions& common);
+
+}  // namespace tool
+
+#endif  // KALVISTA_TOOL_OPTIONS_H

@@ -1,0 +1,29 @@
+// Paths from the command line.
+#ifndef KALVISTA_TOOL_PATHS_H
+#define KALVISTA_TOOL_PATHS_H
+
+#include <string>
+
+namespace tool {
+
+// The path from the root, so that it keeps its meaning in any working directory. Links and ".." are
+// left as they are.
+std::string absolutePath(const std::string& path);
+
+std::string parentOf(const std::string& path);
+
+// Each requirement is a Failure when it is not met; `what` names the path's part in the sentence.
+void requireDirectory(const std::string& path, const std::string& what);
+void requireFileReadable(const std::string& path, const std::string& what);
+// The library hands some paths to the command interpreter without quotes.
+void refuseShellCharacters(const std::string& path, const std::string& what);
+
+// The file of a program, looked for as the command interpreter does; empty when there is none.
+std::string findProgram(const std::string& name);
+// The program must be installed.
+void requireProgram(const std::string& name);
+std::string installText(const std::string& program);  // how to get it
+
+}  // namespace tool
+
+#endif  // KALVISTA_TOOL_PATHS_H

@@ -1,0 +1,83 @@
+// Command-line tool of libkalvista.
+#include <fcntl.h>
+#include <signal.h>
+#include <unistd.h>
+
+#include <exception>
+
+#include "CommandLine.h"
+#include "Console.h"
+#include "Downloader.h"
+#include "Failure.h"
+#include "Output.h"
+
+namespace {
+
+using tool::Answer;
+using tool::ExitCode;
+using tool::Failure;
+
+// A file that is opened later must not take the number of a standard stream. Writing to the
+// substitute fails, as it does on a closed stream.
+void occupyClosedStandardStreams() {
+  while (true) {
+    const int number = open("/dev/null", O_RDONLY);
+    if (number < 0) return;
+    if (number > STDERR_FILENO) {
+      close(number);
+      return;
+    }
+  }
+}
+
+Answer failedAnswer(ExitCode exitCode, const std::string& sentence) {
+  Answer answer;
+  answer.exitCode = exitCode;
+  answer.problem = sentence;
+  return answer;
+}
+
+Answer answerOf(const tool::CommandLine& commandLine) {
+  try {
+    tool::applyCommonOptions(commandLine.common());
+    return commandLine.run();
+  } catch (const Failure& failure) {
+    return failedAnswer(failure.exitCode(), failure.what());
+  } catch (const std::exception& exception) {
+    return failedAnswer(ExitCode::CouldNot, exception.what());
+  }
+}
+
+ExitCode deliver(const tool::CommandLine& commandLine, const Answer& answer) {
+  if (!answer.problem.empty()) tool::complain(answer.problem);
+  tool::writeToStandardOutput(commandLine.common().json ? tool::jsonText(tool::completeDocument(
+                                                              commandLine.commandName(), answer))
+                                                        : answer.text);
+  return answer.exitCode;
+}
+
+ExitCode runTool(int argumentCount, const char* const* arguments) {
+  tool::CommandLine commandLine;
+  const std::string askedText = commandLine.parse(argumentCount, arguments);
+  if (askedText.empty()) return deliver(commandLine, answerOf(commandLine));
+  tool::writeToStandardOutput(askedText);
+  return ExitCode::Done;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+  if (tool::isCalledAsDownloader(arguments[0])) return tool::runDownloader(arguments);
+  occupyClosedStandardStreams();
+  // A starter that ignores it hands that on, and no child's end could be waited for.
+  signal(SIGCHLD, SIG_DFL);
+  try {
+    return static_cast<int>(runTool(argumentCount, arguments));
+  } catch (const Failure& failure) {
+    tool::complain(failure.what());
+    return static_cast<int>(failure.exitCode());
+  } catch (const std::exception& exception) {
+    tool::complain(exception.what());
+    return static_cast<int>(ExitCode::CouldNot);
+  }
+}
