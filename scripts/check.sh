@@ -1,0 +1,153 @@
+#!/usr/bin/env bash
+# Checks the frame of the project: that it builds as promised, and that its style, installation and
+# demo hold. Without arguments every check is run; with names, only those.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+all_checks=(plain_build library_alone format scripts tidy install memory demo abi manual benchmark)
+serial=12345678
+work=$(mktemp -d /tmp/kalvista-check.XXXXXX)
+plain=$work/plain
+clean_up() { rm -rf "$work"; }
+
+# With no option at all, the build gives the library and the tool.
+plain_build() {
+  cmake -S "$root" -B "$plain"
+  cmake --build "$plain" --parallel "$(nproc)"
+  test -f "$plain/libkalvista.so"
+  "$plain/kalvista" --help >/dev/null
+}
+
+# With nothing but a compiler and CMake there is still a library, and a message for the rest.
+library_alone() {
+  cmake -S "$root" -B "$work/alone" -DKALVISTA_BUILD_TESTS=ON -DCMAKE_DISABLE_FIND_PACKAGE_{CLI11,nlohmann_json,GTest}=TRUE \
+    2>&1 | tee "$work/alone.log"
+  local package
+  for package in libcli11-dev nlohmann-json3-dev libgtest-dev; do
+    grep -q "$package" "$work/alone.log" || die "no message names $package"
+  done
+  cmake --build "$work/alone" --parallel "$(nproc)"
+  test -f "$work/alone/libkalvista.so"
+  test ! -e "$work/alone/kalvista"
+}
+
+format() {
+  find "$root"/{include,src,tools,examples,tests,fuzz,bench} -name '*.h' -print0 -o -name '*.cpp' -print0 |
+    xargs -0 clang-format --dry-run -Werror
+}
+
+scripts() { shellcheck -x -P "$root" "$root"/scripts/*.sh "$root/.ci/run"; }
+
+# clang-tidy on library, tool and example, every finding of all files in one go.
+tidy() {
+  cd "$root"
+  cmake --preset tidy -B "$work/tidy"
+  run-clang-tidy -quiet -p "$work/tidy" -j "$(nproc)"
+}
+
+# quickstart_runs PROGRAM: the example application finds the sample's calibration.
+quickstart_runs() {
+  sed "s|<calipath>.*<|<calipath>$root/examples/repository/12/1234/Califiles SN$serial<|" \
+    "$root/examples/imager.xml" >"$work/imager.xml"
+  "$1" "$work/imager.xml" | tee "$work/quickstart.log"
+  grep -q '32 frames per second: calibrated' "$work/quickstart.log"
+}
+
+# The installed library is found by pkg-config and by CMake, also where it was moved to, and the
+# source tree serves as part of another project.
+install() {
+  cmake --install "$plain" --prefix "$work/first"
+  mv "$work/first" "$work/moved"
+  local pc
+  pc=$(find "$work/moved" -name kalvista.pc)
+  local flags
+  flags=$(PKG_CONFIG_PATH=$(dirname "$pc") pkg-config --cflags --libs kalvista)
+  local libraries
+  libraries=$(dirname "$(find "$work/moved" -name libkalvista.so)")
+  # shellcheck disable=SC2086  # one flag a word
+  g++ -std=c++11 "$root/examples/quickstart.cpp" $flags -o "$work/by-pkg-config"
+  LD_LIBRARY_PATH=$libraries quickstart_runs "$work/by-pkg-config"
+
+  cmake -S "$root/examples" -B "$work/by-cmake" -DCMAKE_PREFIX_PATH="$work/moved"
+  cmake --build "$work/by-cmake"
+  quickstart_runs "$work/by-cmake/kalvista_quickstart"
+
+  mkdir "$work/outer"
+  cat >"$work/outer/CMakeLists.txt" <<CMAKE
+cmake_minimum_required(VERSION 3.16)
+project(outer LANGUAGES CXX)
+add_subdirectory("$root" kalvista)
+add_executable(outer "$root/examples/quickstart.cpp")
+target_link_libraries(outer PRIVATE kalvista::kalvista)
+CMAKE
+  cmake -S "$work/outer" -B "$work/as-part"
+  cmake --build "$work/as-part" --parallel "$(nproc)"
+  quickstart_runs "$work/as-part/outer"
+
+  "$work/moved/bin/kalvista" --help >/dev/null
+}
+
+# The main job under valgrind: no error, no leak.
+memory() {
+  mkdir "$work/cali"
+  local tool=(valgrind -q --error-exitcode=9 --leak-check=full "$plain/kalvista")
+  local options=(--calibration-dir "$work/cali")
+  "${tool[@]}" setup $serial --from "$root/examples/repository" --config "$work/setup.xml" "${options[@]}"
+  "${tool[@]}" check $serial "${options[@]}"
+  "${tool[@]}" optics $serial "${options[@]}" --json >/dev/null
+  "${tool[@]}" config $serial "${options[@]}" >/dev/null
+  "${tool[@]}" params "$root/examples/imager.xml"
+}
+
+# The demo, by a user without privileges, from a checkout with a blank in its path.
+demo() {
+  local checkout="$work/my checkout"
+  mkdir "$checkout"
+  tar -C "$root" --exclude='./build*' --exclude=./.git -c . | tar -C "$checkout" -x
+  chmod 755 "$work"
+  chown -R nobody "$checkout"
+  rm -f /tmp/downloadlinks.xml
+  setpriv --reuid nobody --clear-groups env HOME="$work" "$checkout/scripts/demo.sh"
+}
+
+# What has a script of its own.
+abi() { "$root/scripts/abi.sh"; }
+manual() { "$root/scripts/docs.sh"; }
+benchmark() { "$root/scripts/bench.sh" --quick; }
+
+run_checks() {
+  local name status passed=0 failed=0
+  for name in "$@"; do
+    local begin=$SECONDS
+    step "$name"
+    set +e
+    (
+      set -e
+      trap - EXIT
+      "$name"
+    ) >"$work/$name.log" 2>&1
+    status=$?
+    set -e
+    if [[ $status -eq 0 ]]; then
+      echo "ok: $name ($((SECONDS - begin)) s)"
+      passed=$((passed + 1))
+    else
+      cat "$work/$name.log"
+      echo "FAILED: $name (exit status $status)"
+      failed=$((failed + 1))
+    fi
+  done
+  if [[ $failed -eq 0 ]]; then
+    printf '\nVERDICT: the frame of the project holds\n'
+  else
+    printf '\nVERDICT: the frame of the project does NOT hold\n'
+  fi
+  echo "$passed passed, $failed failed"
+  [[ $failed -eq 0 ]]
+}
+
+trap clean_up EXIT
+need_packages "${build_packages[@]}" "${tool_packages[@]}" "${test_packages[@]}" "${check_packages[@]}"
+if [[ $# -eq 0 ]]; then set -- "${all_checks[@]}"; fi
+run_checks "$@"

@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Measures how much of the library's code the tests reach: lines and branches. Fails below 97 % of
+# the lines or 90 % of the branches.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+end_with_verdict "coverage"
+
+need_packages "${build_packages[@]}" "${tool_packages[@]}" "${test_packages[@]}" gcovr
+build=$root/build-coverage
+step "Building into build-coverage"
+cmake -S "$root" -B "$build" -G Ninja -DKALVISTA_BUILD_TESTS=ON -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS="--coverage -fno-inline" \
+  -DCMAKE_SHARED_LINKER_FLAGS=--coverage -DCMAKE_EXE_LINKER_FLAGS=--coverage
+cmake --build "$build" --parallel "$(nproc)"
+step "Running every test"
+find "$build" -name '*.gcda' -delete
+ctest --test-dir "$build" --parallel "$(nproc)" --output-on-failure
+step "Lines and branches of the library"
+gcovr --root "$root" --filter 'src/' --object-directory "$build/src" --exclude-throw-branches \
+  --exclude-unreachable-branches --print-summary --sort-uncovered --txt-metric line \
+  --fail-under-line 97 --fail-under-branch 90 "$build/src"
