@@ -3,6 +3,7 @@
 #include <kalvista/SimpleXML.h>
 
 #include <cstring>
+#include <deque>
 
 namespace ardo {
 
@@ -18,8 +19,12 @@ constexpr std::int32_t kClosing = 1;
 class Delimiters {
  public:
   // `text` is zero-terminated.
-  Delimiters(const char* text, std::int32_t length)
-      : text_(text), end_(text + length), dash_(findDash(text)), closingFrom_(text) {}
+  // Starts at the beginning or behind a closing delimiter.
+  Delimiters(const char* text, std::int32_t from, std::int32_t length)
+      : text_(text),
+        end_(text + length),
+        dash_(findDash(text + from)),
+        closingFrom_(from == 0 ? text : text + from + 1) {}
 
   std::optional<CommentToken> next() {
     for (; dash_ != nullptr; goToNextDash()) {
@@ -61,46 +66,91 @@ class Delimiters {
   bool openingTaken_ = false;  // the opening at this dash was given
 };
 
-enum class Balance { kNoComments, kBalanced, kBroken };
+struct Span {
+  std::int32_t begin;
+  std::int32_t end;
+};
 
-Balance checkBalance(const char* text, std::int32_t length) {
-  Delimiters delimiters(text, length);
-  std::optional<CommentToken> token = delimiters.next();
-  if (!token) return Balance::kNoComments;
-  int open = 0;
-  for (; token; token = delimiters.next()) {
-    open += token->kind == kOpening ? 1 : -1;
-    if (open < 0) return Balance::kBroken;
+// The comments of a text in their order, each with those that are nested in it.
+class Comments {
+ public:
+  Comments(const char* text, std::int32_t from, std::int32_t length)
+      : delimiters_(text, from, length) {}
+
+  // Nothing when there are no more, or a delimiter has no counterpart.
+  std::optional<Span> next() {
+    Span comment{};
+    int open = 0;
+    while (const std::optional<CommentToken> token = delimiters_.next()) {
+      if (token->kind == kOpening) {
+        if (open++ == 0) comment.begin = token->position;
+      } else if (--open == 0) {
+        comment.end = token->position;
+        return comment;
+      } else if (open < 0) {
+        break;
+      }
+    }
+    broken_ = open != 0;
+    return std::nullopt;
   }
-  return open == 0 ? Balance::kBalanced : Balance::kBroken;
-}
+
+  bool broken() const { return broken_; }
+
+ private:
+  Delimiters delimiters_;
+  bool broken_ = false;
+};
+
+// Keeps what stands between comments, moving it to the left.
+class Cutter {
+ public:
+  explicit Cutter(char* text) : text_(text) {}
+
+  void cut(Span comment) {
+    keepUpTo(comment.begin);
+    keptFrom_ = comment.end;
+  }
+
+  std::int32_t finish(std::int32_t length) {
+    keepUpTo(length);
+    text_[fill_] = '\0';
+    return fill_;
+  }
+
+ private:
+  void keepUpTo(std::int32_t end) {
+    std::memmove(text_ + fill_, text_ + keptFrom_, static_cast<std::size_t>(end - keptFrom_));
+    fill_ += end - keptFrom_;
+  }
+
+  char* text_;
+  std::int32_t keptFrom_ = 0;
+  std::int32_t fill_ = 0;
+};
 
 }  // namespace
 
 std::optional<std::int32_t> cutComments(char* text, std::int32_t length) {
-  const Balance balance = checkBalance(text, length);
-  if (balance == Balance::kNoComments) return length;
-  if (balance == Balance::kBroken) return std::nullopt;
-
-  // What is kept moves to the left of every delimiter that is still to be found.
-  Delimiters delimiters(text, length);
-  int open = 0;
-  std::int32_t keptFrom = 0;
-  std::int32_t fill = 0;
-  const auto keepUpTo = [&](std::int32_t end) {
-    std::memmove(text + fill, text + keptFrom, static_cast<std::size_t>(end - keptFrom));
-    fill += end - keptFrom;
-  };
-  while (const std::optional<CommentToken> token = delimiters.next()) {
-    if (token->kind == kOpening) {
-      if (open++ == 0) keepUpTo(token->position);
-    } else if (--open == 0) {
-      keptFrom = token->position;
-    }
+  // Nothing may be cut before all is known to balance. Comments are remembered meanwhile, as many
+  // as take an eighth of the text's memory; any beyond are looked for again.
+  const std::size_t mostRemembered = static_cast<std::size_t>(length) / (8 * sizeof(Span));
+  std::deque<Span> remembered;
+  std::size_t count = 0;
+  Comments comments(text, 0, length);
+  while (const std::optional<Span> comment = comments.next()) {
+    if (count++ <= mostRemembered) remembered.push_back(*comment);
   }
-  keepUpTo(length);
-  text[fill] = '\0';
-  return fill;
+  if (comments.broken()) return std::nullopt;
+  if (count == 0) return length;
+
+  Cutter cutter(text);
+  for (const Span comment : remembered) cutter.cut(comment);
+  if (remembered.size() < count) {
+    Comments rest(text, remembered.back().end, length);
+    while (const std::optional<Span> comment = rest.next()) cutter.cut(*comment);
+  }
+  return cutter.finish(length);
 }
 
 }  // namespace ardo
