@@ -1,0 +1,33 @@
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+
+#include "support/Capture.h"
+
+using support::captured;
+using support::outputOf;
+
+// What a sanitizer adds begins with two underscores.
+TEST(Process, ExportsTheDocumentedNamesAndNeedsTheRuntimeOnly) {
+  EXPECT_EQ(outputOf("nm -DC --defined-only '" LIBRARY_FILE
+                     "' | cut -d ' ' -f 3- | grep -v ^__ | LC_ALL=C sort -u"),
+            support::readFile(EXPORTED_SYMBOLS));
+  EXPECT_EQ(outputOf("ldd '" LIBRARY_FILE
+                     "' | grep -oE '^.lib[a-z_+]+' | grep -vE '(a|ub)san' | LC_ALL=C sort"),
+            "\tlibc\n\tlibgcc_s\n\tlibm\n\tlibstdc++\n");
+}
+
+TEST(Process, LoadsAndUnloadsWithoutATrace) {
+  const auto loadOften = [] {
+    for (int i = 0; i < 1000; ++i) {
+      ASSERT_EQ(dlopen(LIBRARY_FILE, RTLD_NOW | RTLD_NOLOAD), nullptr);
+      void* const library = dlopen(LIBRARY_FILE, RTLD_NOW);
+      ASSERT_NE(library, nullptr) << dlerror();
+      ASSERT_EQ(dlclose(library), 0);
+    }
+  };
+  const std::string held = outputOf("ls /proc/$PPID/fd");
+  std::string output;
+  output += captured(STDERR_FILENO, [&] { output = captured(STDOUT_FILENO, loadOften); });
+  EXPECT_EQ(output, "");
+  EXPECT_EQ(outputOf("ls /proc/$PPID/fd"), held);
+}
