@@ -10,16 +10,17 @@ TEST_F(DeviceConfiguration, Transcript) {
            shown(params.pifOutMode, params.pifOutVoltage, params.focus);
   };
   Commands on;
-  on["initDefault"] = [&](auto&) {
+  on["initDefault"] = [&](auto& a) {
     params.pifOutMode = params.pifOutVoltage = params.tMin = 7;
-    params.opticsText = const_cast<char*>("borrowed");
+    params.opticsText = a[0];
     IRDeviceParams_InitDefault(params);
     return printed();
   };
   on["read"] = [&](auto& a) {
     const bool done = ardo::IRDeviceParamsReader::readXMLC(a[0], params);
-    const std::unique_ptr<char[]> optics(params.opticsText), formats(params.formatsPath),
-        cali(params.caliPath);
+    const std::unique_ptr<char[]> optics(params.opticsText);
+    const std::unique_ptr<char[]> formats(params.formatsPath);
+    const std::unique_ptr<char[]> cali(params.caliPath);
     return shown(done) + "\n" + printed();
   };
   on["content"] = [&](auto& a) {

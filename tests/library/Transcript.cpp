@@ -22,8 +22,8 @@ std::string unescaped(const std::string& text) {
 // Cuts off what stands before the separator, and the separator.
 std::string cutOff(std::string& text, const std::string& separator) {
   const std::size_t end = text.find(separator);
-  const std::string piece = text.substr(0, end);
-  text.erase(0, end == text.npos ? end : end + separator.size());
+  std::string piece = text.substr(0, end);
+  text.erase(0, end == std::string::npos ? end : end + separator.size());
   return piece;
 }
 
