@@ -1,39 +1,21 @@
-// The library against its plain counterparts. The first byte of the input chooses: a document as it
-// stands (which begins with "<"), or choices for the grammar of documents or of calibrations.
+// The library against its plain counterparts. An input that begins with "<" is a document, with a
+// walk as for xml_walk; any other makes the choices for a random document and its walk.
 #include <cstdlib>
 #include <iostream>
-#include <string>
 
-#include "Comparison.h"
-#include "DocumentGrammar.h"
-#include "Harness.h"
-#include "WalkInput.h"
-
-namespace {
-
-std::string compare(const std::uint8_t* data, std::size_t size, std::string& document) {
-  oracle::ByteSource source(data, size);
-  const std::uint32_t kind = source.below(3);
-  if (kind == 1) {
-    document = oracle::DocumentGrammar(source).document();
-    return oracle::compareReaders(document, "root", source);
-  }
-  if (kind == 2) {
-    document = oracle::DocumentGrammar(source).calibration();
-    return oracle::compareLoaders(document);
-  }
-  const WalkInput input(data, size);
-  document = input.document;
-  return oracle::compareReaders(document, input.root(), input.walk) +
-         oracle::compareLoaders(document);
-}
-
-}  // namespace
+#include "Oracle.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::string document;
-  const std::string difference = compare(data, size, document);
+  const std::string input(data, data + size);
+  const std::size_t split = input.find('\xFF');
+  const std::string document = input.substr(0, split);
+  const std::string choices = input.substr(split + 1);
+  const oracle::ByteSource walk(choices);
+  const std::string difference =
+      document[0] != '<'
+          ? oracle::compareAtRandom(oracle::ByteSource(input))
+          : oracle::compareReaders(document, walk) + oracle::compareLoaders(document);
   if (difference.empty()) return 0;
-  std::cerr << "The library differs.\n" << difference << "document:\n" << document << "\n";
+  std::cerr << "The library differs.\n" << difference << "\n";
   std::abort();
 }
