@@ -21,8 +21,8 @@ const std::string kAsNobody =
 const std::string kSuccess = "HTTP/1.1 200 OK\r\n";
 const std::string kLinks = kSuccess + "\r\n" + linksDocument(kLink);
 const std::string kXml = sample.at("Cali-12345678.xml");
-const std::string kHalfXml =
-    kSuccess + "Content-Length: 20000\r\n\r\n" + kXml.substr(0, kXml.size() / 2);
+const std::string kHalf = kXml.substr(0, kXml.size() / 2);
+const std::string kBrokenOff = kSuccess + "Content-Length: 20000\r\n\r\n" + kHalf;
 
 struct ToolRun {
   int exitCode;
@@ -144,8 +144,8 @@ TEST_F(ToolTest, WrongUsageRunsNothing) {
 
 TEST_F(ToolTest, StandardOutputThatTakesNothing) {
   for (const std::string arguments :
-       {"version >&-", "optics 12345678 --calibration-dir full > /dev/full", "--help > /dev/full",
-        "check 12345678 --json --calibration-dir full <&- >&- 2>&-"}) {
+       {"version --log-file log >&-", "optics 12345678 --calibration-dir full > /dev/full",
+        "--help > /dev/full", "check 12345678 --json --calibration-dir full <&- >&- 2>&-"}) {
     EXPECT_EQ(run(arguments).exitCode, 3) << arguments;
   }
 }
@@ -177,6 +177,7 @@ TEST_F(ToolTest, SetupTwiceChangesNothing) {
     const ToolRun first = run(setup);
     EXPECT_EQ(first.exitCode, 0) << first.err;
     EXPECT_THAT(first.out, HasSubstr("34 files added, configuration written"));
+    support::writeFile("new/config-12345678.xml", sampleConfiguration);
     const auto before = stateOf("new");
     EXPECT_EQ(before.size(), sample.size() + 1);
     EXPECT_THAT(run(setup).out, HasSubstr("nothing had to be changed"));
@@ -249,20 +250,25 @@ TEST_F(ToolTest, DownloadFromAServerThatLacksFiles) {
     EXPECT_THAT(some.err, HasSubstr("no default route"));
   }
   publish("12345678", sample);
-  EXPECT_EQ(run("download 12345678 --calibration-dir new", "env --ignore-signal=CHLD").exitCode, 0);
+  const ToolRun rest = run("download 12345678 --calibration-dir new", "env --ignore-signal=CHLD");
+  EXPECT_EQ(rest.exitCode, 0);
+  EXPECT_THAT(rest.err, Not(HasSubstr("ERROR")));
   EXPECT_EQ(contentsOf("new"), sample);
 }
 
 TEST_F(ToolTest, DownloadThatFails) {
   const std::string download = "download 12345678 --calibration-dir new --timeout 1";
   EXPECT_EQ(run(download).exitCode, 3) << "no server";
-  answerAndBreakOff({kLinks, kHalfXml}, [] {});
+  answerAndBreakOff({kLinks, kSuccess + "\r\n" + kHalf}, [] {});
+  EXPECT_EQ(run(download).exitCode, 1) << "breaks off unnoticed";
+  EXPECT_TRUE(fs::is_empty("new"));
+  answerAndBreakOff({kLinks, kSuccess + "\r\n" + kXml, kLinks, kBrokenOff}, [] {});
   EXPECT_EQ(run(download).exitCode, 1) << "breaks off";
-  answerAndBreakOff({kLinks, kHalfXml}, [] { pause(); });
+  answerAndBreakOff({kLinks, kBrokenOff}, [] { pause(); });
   const ToolRun silent = run(download);
   EXPECT_EQ(silent.exitCode, 3);
   EXPECT_THAT(silent.err, HasSubstr("--timeout"));
-  EXPECT_TRUE(fs::is_empty("new"));
+  EXPECT_EQ(contentsOf("new"), Contents({{"Cali-12345678.xml", kXml}}));
   const ToolRun without = run(download, "PATH=/nowhere");
   EXPECT_EQ(without.exitCode, 3);
   EXPECT_THAT(without.err, HasSubstr("wget"));
@@ -270,7 +276,7 @@ TEST_F(ToolTest, DownloadThatFails) {
 
 TEST_F(ToolTest, KilledInTheMiddleOfADownload) {
   std::atomic<pid_t> process = -1;
-  answerAndBreakOff({kLinks, kSuccess + "\r\n" + kXml, kLinks, kHalfXml}, [&process] {
+  answerAndBreakOff({kLinks, kSuccess + "\r\n" + kXml, kLinks, kBrokenOff}, [&process] {
     kill(process, SIGKILL);
     usleep(100000);
   });

@@ -13,12 +13,6 @@ constexpr std::size_t kHelpColumn = 32;
 constexpr const char* kPurpose =
     "Calibration files and configuration of USB infrared cameras: find the camera, make its "
     "calibration complete, write its configuration.";
-constexpr const char* kExitCodes =
-    "Exit codes:\n"
-    "  0  done\n"
-    "  1  the answer is no: files are missing, nothing was found\n"
-    "  2  wrong usage\n"
-    "  3  could not: unreadable, not permitted, out of time";
 
 std::string exampleText(const std::string& example) { return "Example:\n  " + example + "\n\n"; }
 

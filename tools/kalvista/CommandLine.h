@@ -10,6 +10,13 @@
 
 namespace tool {
 
+constexpr const char* kExitCodes =
+    "Exit codes:\n"
+    "  0  done\n"
+    "  1  the answer is no: files are missing, nothing was found\n"
+    "  2  wrong usage\n"
+    "  3  could not: unreadable, not permitted, out of time";
+
 class CommandLine {
  public:
   CommandLine();

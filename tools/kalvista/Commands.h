@@ -23,7 +23,9 @@ Command copyCommand();
 Command downloadCommand();
 Command configCommand();
 Command paramsCommand();
+Command lintCommand();
 Command versionCommand();
+Command generateCommand();  // not in the help
 
 }  // namespace tool
 

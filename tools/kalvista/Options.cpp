@@ -75,15 +75,19 @@ void addCommonOptions(CLI::App& app, CommonOptions& common) {
       ->capture_default_str();
   app.add_flag("--json", common.json,
                "Answer with one JSON document, the only thing on standard output");
-  std::vector<std::string> names;
-  for (const auto& level : verbosityLevels()) names.push_back(level.first);
   app.add_option("-v,--verbosity", common.verbosity,
                  "Detail of the log: error, warning, info or debug; error leaves out notes, too")
       ->type_name("LEVEL")
-      ->check(CLI::IsMember(names).description(""))
+      ->check(CLI::IsMember(verbosityNames()).description(""))
       ->capture_default_str();
   addPath(app, "--log-file", common.logFile,
           "Write the log to a file as well, whose name is FILE followed by the time");
+}
+
+std::vector<std::string> verbosityNames() {
+  std::vector<std::string> names;
+  for (const auto& level : verbosityLevels()) names.push_back(level.first);
+  return names;
 }
 
 void applyCommonOptions(const CommonOptions& common) {

@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
 
 namespace tool {
 
@@ -19,6 +20,8 @@ struct CommonOptions {
 
 // Declares the options; they are accepted before and after the name of a command.
 void addCommonOptions(CLI::App& app, CommonOptions& common);
+
+std::vector<std::string> verbosityNames();
 
 // Puts the options to work: directories and log of the library, and the working directory "/",
 // since all paths are absolute by now. The copy command of the library holds unquoted patterns,
