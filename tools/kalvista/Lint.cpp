@@ -116,8 +116,8 @@ class ElementCheck {
     if (elements_[index].ownText == kNowhere) return;
     std::string children;
     for (const ElementRule& rule : format_.elements) {
-      if (rule.parent == parent)
-        children += (children.empty() ? "" : ", ") + std::string(rule.name);
+      if (rule.parent != parent) continue;
+      children += (children.empty() ? "" : ", ") + std::string(rule.name);
     }
     reportAt(elements_[index].ownText, index,
              "text that the reader ignores, expected the elements " + children);

@@ -67,8 +67,7 @@ std::string lowered(std::string_view name) {
 class TextCheck {
  public:
   TextCheck(const std::string& document, LintText& text, Findings& findings)
-      : document_(document), view_(text.view), findings_(findings) {
-    root_ = findRoot(document);
+      : document_(document), view_(text.view), findings_(findings), root_(findRoot(document)) {
     // Neither a byte-order mark nor a declaration means anything to the reader.
     blankOut(view_, 0, root_);
     if (root_ != kNone) text.format = chooseFormat();
@@ -199,7 +198,7 @@ class TextCheck {
   const std::string& document_;
   std::string& view_;
   Findings& findings_;
-  std::size_t root_ = kNone;
+  std::size_t root_;
 };
 
 }  // namespace
