@@ -8,7 +8,7 @@
 namespace ardo {
 
 /// How much of the log a sink shows.
-enum IRLoggerVerbosityLevel {
+enum IRLoggerVerbosityLevel : int {
   IRLOGGER_OFF = 1,      ///< sink off
   IRLOGGER_ERROR = 2,    ///< errors only; so is any value that is not listed here
   IRLOGGER_WARNING = 3,  ///< warnings too
