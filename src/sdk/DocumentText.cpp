@@ -226,8 +226,9 @@ std::optional<DocumentText> readDocumentText(const char* file, std::string_view 
   if (document.characters == nullptr) return std::nullopt;
 
   ContentCollector collector(root, document);
-  std::array<char, kBlockSize + kFixedCopy>
-      block;  // NOLINT(cppcoreguidelines-pro-type-member-init): read into
+  // Read into, so that it need not be set before.
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
+  std::array<char, kBlockSize + kFixedCopy> block;
   std::size_t kept = 0;
   std::size_t unread = *size;
   for (bool goOn = true; goOn;) {

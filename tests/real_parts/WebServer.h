@@ -45,6 +45,7 @@ class WebServer {
         "server { root web; listen 127.0.0.1:" +
             std::to_string(LOOPBACK_PORT) + "; } }");
     process_ = fork();
+    if (process_ < 0) throw std::runtime_error("no further process");
     if (process_ == 0) {
       prctl(PR_SET_PDEATHSIG, SIGKILL);
       execl(kProgram, kProgram, "-p", folder_.c_str(), "-c", configuration.c_str(), "-e",
@@ -64,8 +65,6 @@ class WebServer {
     kill(process_, SIGTERM);
     waitpid(process_, nullptr, 0);
   }
-  WebServer(const WebServer&) = delete;
-  WebServer& operator=(const WebServer&) = delete;
 
  private:
   std::string folder_;
@@ -76,7 +75,8 @@ class WebServer {
 // server is gone, `last` is called.
 inline void answerAndBreakOff(const std::vector<std::string>& answers,
                               const std::function<void()>& last) {
-  const int listener = loopbackSocket(bind);
+  int listener = -1;
+  while ((listener = loopbackSocket(bind)) < 0) usleep(5000);  // the one before may still end
   listen(listener, SOMAXCONN);
   std::thread([=] {
     for (const std::string& answer : answers) {
@@ -84,10 +84,12 @@ inline void answerAndBreakOff(const std::vector<std::string>& answers,
       char request[4096];
       recv(client, request, sizeof request, 0);
       send(client, answer.data(), answer.size(), MSG_NOSIGNAL);
-      if (&answer == &answers.back()) last();
+      if (&answer == &answers.back()) {
+        close(listener);  // the port is free for the next server from here on
+        last();
+      }
       close(client);
     }
-    close(listener);
   }).detach();
 }
 
