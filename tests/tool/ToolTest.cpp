@@ -257,7 +257,7 @@ TEST_F(ToolTest, DownloadFromAServerThatLacksFiles) {
 }
 
 TEST_F(ToolTest, DownloadThatFails) {
-  const std::string download = "download 12345678 --calibration-dir new --timeout 1";
+  const std::string download = "download 12345678 --calibration-dir new --timeout 5";
   EXPECT_EQ(run(download).exitCode, 3) << "no server";
   answerAndBreakOff({kLinks, kSuccess + "\r\n" + kHalf}, [] {});
   EXPECT_EQ(run(download).exitCode, 1) << "breaks off unnoticed";
