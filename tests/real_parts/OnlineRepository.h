@@ -2,9 +2,7 @@
 #ifndef KALVISTA_TESTS_REAL_PARTS_ONLINE_REPOSITORY_H
 #define KALVISTA_TESTS_REAL_PARTS_ONLINE_REPOSITORY_H
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -45,29 +43,18 @@ inline std::string linksDocument(const std::string& links) {
   return nest({"DownloadLinks", "Imager", "CaliData", "Links"}, links);
 }
 
-// A loopback and a folder /tmp of the test's own where that is allowed, since the port and the
-// place of the links document belong to everybody. Elsewhere such tests wait for each other.
-class OwnMachine {
- public:
-  OwnMachine()
-      : isOwn_(enterOwnNamespaces(CLONE_NEWNS | CLONE_NEWNET)),
-        lock_(open(SAMPLE_REPOSITORY, O_RDONLY | O_CLOEXEC)) {
+// A loopback and a folder /tmp of the test's own where that is allowed: the port and the place of
+// the links document belong to everybody.
+struct OwnMachine {
+  OwnMachine() {
     std::filesystem::current_path("/");
-    if (!isOwn_) {
-      flock(lock_, LOCK_EX);
-    } else if (!mountTmpfs("/tmp") || std::system("ip link set lo up") != 0) {
-      throw std::runtime_error("the test's own machine cannot be laid out");
-    }
+    isOwn = enterOwnNamespaces(CLONE_NEWNS | CLONE_NEWNET) && mountTmpfs("/tmp") &&
+            std::system("ip link set lo up") == 0;
   }
   ~OwnMachine() {
-    close(lock_);
-    if (isOwn_) umount2("/tmp", MNT_DETACH);
+    if (isOwn) umount2("/tmp", MNT_DETACH);
   }
-  bool isOwn() const { return isOwn_; }
-
- private:
-  bool isOwn_;
-  int lock_;
+  bool isOwn = false;
 };
 
 class OnlineRepositoryFixture : public ::testing::Test {
@@ -75,33 +62,30 @@ class OnlineRepositoryFixture : public ::testing::Test {
   void SetUp() override {
     setenv("no_proxy", "127.0.0.1", 1);
     std::filesystem::current_path(folder_.path());
-    std::filesystem::create_directories(web_);
-    std::filesystem::create_directories(cali_);
+    std::filesystem::create_directories("web");
+    std::filesystem::create_directory("cali");
     std::filesystem::remove("/tmp/downloadlinks.xml");
     for (const char* program : {WebServer::kProgram, "/usr/bin/wget"}) {
       if (access(program, X_OK) != 0) GTEST_SKIP() << program << " is missing";
     }
   }
-
   void serve(const std::string& document) {
-    support::writeFile(web_ + "/downloadlinks.xml", document);
+    support::writeFile("web/downloadlinks.xml", document);
     if (server_ == nullptr) server_ = std::make_unique<WebServer>(folder_.path());
   }
   void publish(const std::string& serial, const Contents& contents) const {
-    writeAll(web_ + "/repository/" + serial.substr(0, 2) + "/" + serial.substr(0, 4) +
-                 "/Califiles SN" + serial,
+    writeAll("web/repository/" + serial.substr(0, 2) + "/" + serial.substr(0, 4) + "/Califiles SN" +
+                 serial,
              contents);
   }
   // Ends the server, so that every request is on record.
   std::vector<std::string> requests() {
     server_.reset();
-    return support::linesOf(support::readFile(folder_ / "requests"));
+    return support::linesOf(support::readFile("requests"));
   }
-
   OwnMachine machine_;
   support::TemporaryFolder folder_;
-  std::string web_ = folder_ / "web";
-  std::string cali_ = folder_ / "cali";
+  const std::string cali_ = folder_ / "cali";
   std::unique_ptr<WebServer> server_;
 };
 

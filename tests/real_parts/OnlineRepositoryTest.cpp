@@ -3,6 +3,8 @@
 #include <kalvista/Cali.h>
 #include <kalvista/IRCalibrationManager.h>
 
+#include <tuple>
+
 #include "real_parts/ManagerLog.h"
 #include "real_parts/OnlineRepository.h"
 #include "support/ChildProcess.h"
@@ -91,11 +93,7 @@ TEST_F(OnlineRepositoryTest, ServerThatBreaksOffAndThenIsGone) {
 
 TEST_F(OnlineRepositoryTest, LinksDocuments) {
   const std::string path = "/12/1234/Califiles SN12345678/a\"";
-  const struct {
-    std::string document;
-    Outcome outcome;
-    bool stays;
-  } rows[] = {
+  const std::vector<std::tuple<std::string, Outcome, bool>> rows = {
       {"", {false, {kUnreadable}}, true},
       {nest({"Links"}, kLink), {false, {kUnreadable}}, true},
       {nest({"DownloadLinks"}, ""), {false, {kIncomplete}}, false},
@@ -107,12 +105,12 @@ TEST_F(OnlineRepositoryTest, LinksDocuments) {
        {false, {kLost + "\"-<string>" + kRepository + path}},
        false},
   };
-  for (const auto& row : rows) {
-    serve(row.document);
-    EXPECT_EQ(fetch("a;", "12345678"), row.outcome) << row.document;
-    EXPECT_EQ(fs::exists(kLinksFile), row.stays) << row.document;
+  for (const auto& [document, outcome, stays] : rows) {
+    serve(document);
+    EXPECT_EQ(fetch("a;", "12345678"), outcome) << document;
+    EXPECT_EQ(fs::exists(kLinksFile), stays) << document;
   }
-  fs::remove(web_ + "/downloadlinks.xml");
+  fs::remove("web/downloadlinks.xml");
   EXPECT_EQ(fetch("a;", "12345678"), Outcome(false, {kUnreadable}));
   EXPECT_TRUE(fs::exists(kLinksFile));
 }
@@ -134,11 +132,7 @@ TEST_F(OnlineRepositoryTest, WriteTestComesFirst) {
   fs::permissions(open, fs::perms::all);
   fs::permissions(closed, fs::perms(0555));
   const std::string notPermitted = "ERROR 520:No writing permissions to " + closed;
-  const struct {
-    std::string directory;
-    unsigned long serial;
-    Outcome outcome;
-  } rows[] = {
+  const std::vector<std::tuple<std::string, unsigned long, Outcome>> rows = {
       {closed, kSerial, {false, {notPermitted}}},
       {closed, 0, {false, {notPermitted}}},
       {"/no", kSerial, {false, {"ERROR 524:Something went wrong: No such file or directory"}}},
@@ -146,9 +140,9 @@ TEST_F(OnlineRepositoryTest, WriteTestComesFirst) {
       {open, kSerial, {true, {kComplete}}},
   };
   const int failed = support::asUnprivilegedUser([&rows] {
-    for (const auto& row : rows) {
-      useDirectory(row.directory);
-      EXPECT_EQ(download(row.serial), row.outcome) << row.directory << " " << row.serial;
+    for (const auto& [directory, serial, outcome] : rows) {
+      useDirectory(directory);
+      EXPECT_EQ(download(serial), outcome) << directory << " " << serial;
     }
     return HasFailure();
   });
