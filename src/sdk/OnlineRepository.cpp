@@ -39,7 +39,7 @@ bool mayStartDownloads(std::string_view link) {
 }
 
 bool isHonestFileName(std::string_view name) {
-  const bool actedOn = name.find_first_of("\"`$\\\n\r';|&<>()/") != std::string_view::npos;
+  const bool actedOn = name.find_first_of("\"`$\\\n\r';|&<>()/{}*?[]#~!") != std::string_view::npos;
   const bool bringsOption =
       name.find(" -") != std::string_view::npos || name.find("\t-") != std::string_view::npos;
   return !actedOn && !bringsOption;
