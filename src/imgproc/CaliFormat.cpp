@@ -66,7 +66,7 @@ void storeSamplePointCali(Records& records, std::string_view text) {
   records.optics->SamplePointCali = lower == "true";
 }
 
-void openMain(Records& records) { records.main = MainSection(); }
+void openMain(Records& records) { records.main = records.mainBefore; }
 
 void openOptics(Records& records) { records.opticsList.clear(); }
 

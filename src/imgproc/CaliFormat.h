@@ -17,13 +17,14 @@ namespace cali {
 // Records in the making. A record joins its parent when its element is closed, so that an element
 // whose closing tag is missing leaves no trace.
 struct Records {
-  Records() {
+  explicit Records(const MainSection& before) : mainBefore(before), main(before) {
     constexpr std::size_t kUsualCount = 8;
     opticsList.reserve(kUsualCount);
     ranges.reserve(kUsualCount);
     framerates.reserve(kUsualCount);
   }
 
+  const MainSection mainBefore;  // keys that are absent keep their values
   MainSection main;
   std::vector<OpticsPointer> opticsList;
   OpticsPointer optics;

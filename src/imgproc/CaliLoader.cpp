@@ -187,7 +187,7 @@ void readRecords(Records& records, std::string_view text) {
   const bool mainFound = scan.found(kMain);
   readOptics(scan, records, text);
   if (!mainFound) {
-    records.main = MainSection();
+    records.main = records.mainBefore;
     scan.run(text, kElementRules[kMain].children);
   }
 }
@@ -200,7 +200,7 @@ unsigned int loadFile(ConfigCali& calibration, const char* path, int serial) {
   ardo::SimpleXML document;
   if (!document.open(path, name.data(), "CaliData") || !document.hasRoot()) return kAccessDenied;
 
-  Records records;
+  Records records(*calibration.mainSection);
   readRecords(records, ardo::SimpleXMLInternals::textOf(document));
   *calibration.mainSection = records.main;
   setOptics(*calibration.opticsList, records.opticsList);

@@ -18,8 +18,7 @@ constexpr std::int32_t kClosing = 1;
 // numbers and names: one search for dashes finds them all.
 class Delimiters {
  public:
-  // `text` is zero-terminated.
-  // Starts at the beginning or behind a closing delimiter.
+  // Starts at the beginning of a zero-terminated text or behind one of its closing delimiters.
   Delimiters(const char* text, std::int32_t from, std::int32_t length)
       : text_(text),
         end_(text + length),
