@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <sstream>
+#include <vector>
 
 #include "Commands.h"
 #include "Failure.h"
@@ -64,12 +65,13 @@ std::string CommandLine::commandName() const { return app_.get_subcommands().fro
 
 std::string CommandLine::explain(const CLI::ParseError& error) const {
   const bool commandKnown = !app_.get_subcommands().empty();
-  const std::string prefix = commandKnown ? commandName() + ": " : "";
-  const std::string reason = commandKnown || std::string(error.what()) != "A subcommand is required"
-                                 ? error.what()
-                                 : "no command is given";
-  return prefix + reason + "; see \"kalvista " + (commandKnown ? commandName() + " " : "") +
-         "--help\"";
+  std::string reason = error.what();
+  if (!commandKnown && reason == "A subcommand is required") {
+    const std::vector<std::string> unknown = app_.remaining();
+    reason = unknown.empty() ? "no command is given" : "there is no command " + unknown.front();
+  }
+  return (commandKnown ? commandName() + ": " : "") + reason + "; see \"kalvista " +
+         (commandKnown ? commandName() + " " : "") + "--help\"";
 }
 
 }  // namespace tool
