@@ -59,7 +59,11 @@ struct Argument {
 
 using Commands = std::map<std::string, std::function<std::string(std::vector<Argument>&)>>;
 
-void runTranscript(const std::string& name, const Commands& commands);
+void runTranscript(const std::string& name, const Commands& commands,
+                   const std::string& transcript);
+inline void runTranscript(const std::string& name, const Commands& commands) {
+  runTranscript(name, commands, readFile(TRANSCRIPTS "/" + name));
+}
 
 // Values with blanks between. Records that a query hands out are released.
 template <typename... Values>
