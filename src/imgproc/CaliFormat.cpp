@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <type_traits>
 #include <utility>
 
 #include "sdk/NumberText.h"
@@ -13,54 +14,70 @@ namespace cali {
 
 namespace {
 
+bool holdsLineEnd(std::string_view text) { return text.find_first_of("\r\n") != text.npos; }
+
+template <typename Number>
+void read(Records& records, std::string_view text, Number* value) {
+  if (ardo::readPlainNumber(text, value)) return;
+  records.lineEndInValue |= holdsLineEnd(text);
+  ardo::scanNumber(text, value);
+}
+
 // A text that is no number leaves its field as it is.
 template <typename Parsed, typename Field>
-void storeAs(std::string_view text, Field& field) {
+void storeAs(Records& records, std::string_view text, Field& field) {
   auto value = static_cast<Parsed>(field);
-  ardo::readNumber(text, &value);
+  read(records, text, &value);
   field = static_cast<Field>(value);
 }
 
-void store(std::string_view text, std::int32_t& field) { ardo::readNumber(text, &field); }
-void store(std::string_view text, float& field) { ardo::readNumber(text, &field); }
-void store(std::string_view text, std::int16_t& field) { storeAs<int>(text, field); }
-void store(std::string_view text, std::uint16_t& field) { storeAs<int>(text, field); }
-void store(std::string_view text, bool& field) { storeAs<int>(text, field); }
+template <typename Field>
+void store(Records& records, std::string_view text, Field& field) {
+  if constexpr (std::is_same_v<Field, std::int32_t> || std::is_same_v<Field, float>) {
+    read(records, text, &field);
+  } else {
+    storeAs<int>(records, text, field);
+  }
+}
 
 template <auto Field>
 void inMain(Records& records, std::string_view text) {
-  store(text, records.main.*Field);
+  store(records, text, records.main.*Field);
 }
 
 template <auto Field>
 void inOptics(Records& records, std::string_view text) {
-  store(text, (*records.optics).*Field);
+  store(records, text, (*records.optics).*Field);
 }
 
 template <auto Field>
 void inRange(Records& records, std::string_view text) {
-  store(text, (*records.range).*Field);
+  store(records, text, (*records.range).*Field);
 }
 
 template <auto Field>
 void inTable(Records& records, std::string_view text) {
-  store(text, records.tableParams.*Field);
+  store(records, text, records.tableParams.*Field);
 }
 
 template <typename Parsed, auto Field>
 void inTableAs(Records& records, std::string_view text) {
-  storeAs<Parsed>(text, records.tableParams.*Field);
+  storeAs<Parsed>(records, text, records.tableParams.*Field);
 }
 
-void storeFramerate(Records& records, std::string_view text) { store(text, records.framerate); }
+void storeFramerate(Records& records, std::string_view text) {
+  store(records, text, records.framerate);
+}
 
 void storeText(Records& records, std::string_view text) {
+  records.lineEndInValue |= holdsLineEnd(text);
   auto copy = std::make_unique<char[]>(text.size() + 1);
   std::copy(text.begin(), text.end(), copy.get());
   records.optics->Text = copy.release();
 }
 
 void storeSamplePointCali(Records& records, std::string_view text) {
+  records.lineEndInValue |= holdsLineEnd(text);
   std::string lower(text);
   tstrlwr(lower.data());
   records.optics->SamplePointCali = lower == "true";

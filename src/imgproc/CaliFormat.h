@@ -24,7 +24,7 @@ struct Records {
     framerates.reserve(kUsualCount);
   }
 
-  const MainSection mainBefore;  // keys that are absent keep their values
+  MainSection mainBefore;  // keys that are absent keep their values
   MainSection main;
   std::vector<OpticsPointer> opticsList;
   OpticsPointer optics;
@@ -33,6 +33,7 @@ struct Records {
   std::vector<FR> framerates;
   FR framerate = 0;
   TableParams tableParams;
+  bool lineEndInValue = false;
 };
 
 // Elements that hold others; elements that hold a value follow them without a name of their own.

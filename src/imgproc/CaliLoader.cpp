@@ -10,11 +10,16 @@
 #include <kalvista/SimpleXML.h>
 
 #include <array>
+#include <clocale>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "imgproc/CaliFormat.h"
 #include "imgproc/CaliModel.h"
+#include "sdk/ConfigPath.h"
+#include "sdk/DocumentText.h"
 #include "sdk/LogMessage.h"
 #include "sdk/SimpleXMLInternals.h"
 #include "sdk/TagScanner.h"
@@ -24,6 +29,7 @@ namespace cali {
 namespace {
 
 constexpr const char* kSource = "Cali";
+constexpr const char* kRoot = "CaliData";
 constexpr int kLineAlreadyLoaded = 71;
 constexpr int kLineSerialChanged = 76;
 constexpr int kLineDirectory = 96;
@@ -42,8 +48,8 @@ class ElementScan {
   explicit ElementScan(Records& records) : records_(records) {
     // Until it is known better, an element holds a value, and elements come in the rules' order.
     for (std::uint8_t element = 0; element + 1U < kElementCount; ++element) {
-      followers_[element] = {KnownTag{element, true},
-                             KnownTag{static_cast<std::uint8_t>(element + 1), false}};
+      followers_[element][0].latest = {element, true};
+      followers_[element][1].latest = {static_cast<std::uint8_t>(element + 1), false};
     }
   }
 
@@ -62,9 +68,13 @@ class ElementScan {
       }
       if (known.closing) close(known.element, tags.tagBegin());
     }
+    lineEndInTag_ |= tags.lineEndInTag();
   }
 
   bool found(Element element) const { return (found_ & setOf(element)) != 0; }
+
+  // True when a line end stands where it may have hidden a tag.
+  bool lineEndInTag() const { return lineEndInTag_; }
 
   std::string_view contentOf(std::size_t element) const {
     return textBetween(contents_[element].begin, contents_[element].end);
@@ -74,6 +84,12 @@ class ElementScan {
   struct KnownTag {
     std::uint8_t element = kNoElement;
     bool closing = false;
+  };
+
+  // The two tags that were last found behind a tag.
+  struct Followers {
+    KnownTag latest;
+    KnownTag former;
   };
 
   // From the closing tag of a value to the end of the next opening tag.
@@ -87,20 +103,28 @@ class ElementScan {
     const char* end = nullptr;
   };
 
-  // What followed a tag last time most often does so again, and is told by one comparison.
+  // What followed a tag before most often does so again, and is told by one comparison.
   bool takeKnown(ardo::TagScanner& tags, KnownTag& known) {
     const KnownTag before = known;
     const char* beforeBegin = tags.tagBegin();
-    KnownTag& follower = followers_[before.element][before.closing ? 1 : 0];
-    if (follower.element == kNoElement ||
-        !tags.takeExpected(kElementRules[follower.element].name, follower.closing)) {
-      if (!findKnown(tags, follower)) return false;
+    Followers& followers = followers_[before.element][before.closing ? 1 : 0];
+    if (takeIfNext(tags, followers.latest)) {
+      known = followers.latest;
+    } else if (takeIfNext(tags, followers.former)) {
+      known = followers.former;
+    } else {
+      if (!findKnown(tags, known)) return false;
+      followers.former = std::exchange(followers.latest, known);
     }
-    known = follower;
     if (before.closing && !known.closing) {
       steps_[before.element] = {textBetween(beforeBegin, tags.tagEnd()), known.element};
     }
     return true;
+  }
+
+  static bool takeIfNext(ardo::TagScanner& tags, KnownTag expected) {
+    return expected.element != kNoElement &&
+           tags.takeExpected(kElementRules[expected.element].name, expected.closing);
   }
 
   static bool findKnown(ardo::TagScanner& tags, KnownTag& known) {
@@ -163,7 +187,8 @@ class ElementScan {
   ElementSet wanted_ = 0;
   ElementSet open_ = 0;
   ElementSet found_ = 0;
-  std::array<std::array<KnownTag, 2>, kNoElement + 1> followers_;
+  bool lineEndInTag_ = false;
+  std::array<std::array<Followers, 2>, kNoElement + 1> followers_;
   std::array<Step, kElementCount> steps_{};
   std::array<Content, kElementCount> contents_{};
 };
@@ -181,7 +206,8 @@ void readOptics(ElementScan& scan, Records& records, std::string_view text) {
   scan.run(level, setOf(kOpticsDef));
 }
 
-void readRecords(Records& records, std::string_view text) {
+// False when line ends stand within tags or values, where the format's text has none.
+bool readRecords(Records& records, std::string_view text) {
   ElementScan scan(records);
   scan.run(text, setOf(kMain) | setOf(kTemperature));
   const bool mainFound = scan.found(kMain);
@@ -190,6 +216,28 @@ void readRecords(Records& records, std::string_view text) {
     records.main = records.mainBefore;
     scan.run(text, kElementRules[kMain].children);
   }
+  return !scan.lineEndInTag() && !records.lineEndInValue;
+}
+
+// Most files hold no comments and break lines between elements only. Their text serves as it is.
+bool readPlainFile(Records& records, const char* path, const char* name) {
+  ardo::ConfigPath file;
+  if (!file.form(path, name, ".xml")) return false;
+  const auto document = ardo::readDocumentText(file.text(), kRoot, ardo::LineEnds::Kept);
+  if (!document || !document->rootFound) return false;
+  std::setlocale(LC_NUMERIC, "C");
+  return readRecords(records,
+                     {document->characters.get(), static_cast<std::size_t>(document->length)});
+}
+
+std::optional<Records> readFile(const MainSection& before, const char* path, char* name) {
+  std::optional<Records> records(before);
+  if (readPlainFile(*records, path, name)) return records;
+  ardo::SimpleXML document;
+  if (!document.open(path, name, kRoot) || !document.hasRoot()) return std::nullopt;
+  records.emplace(before);
+  readRecords(*records, ardo::SimpleXMLInternals::textOf(document));
+  return records;
 }
 
 unsigned int loadFile(ConfigCali& calibration, const char* path, int serial) {
@@ -197,15 +245,14 @@ unsigned int loadFile(ConfigCali& calibration, const char* path, int serial) {
   ardo::logMessage(ardo::kLogDebug, kSource, kLineDirectory, "Calibration directory path: ", path);
   ardo::logMessage(ardo::kLogDebug, kSource, kLineFileName, "Calibration file name: ", name.data());
 
-  ardo::SimpleXML document;
-  if (!document.open(path, name.data(), "CaliData") || !document.hasRoot()) return kAccessDenied;
-
-  Records records(*calibration.mainSection);
-  readRecords(records, ardo::SimpleXMLInternals::textOf(document));
-  *calibration.mainSection = records.main;
-  setOptics(*calibration.opticsList, records.opticsList);
-  ardo::logMessage(ardo::kLogDebug, kSource, kLineTec, "Calibration data A: ", records.main.TecA,
-                   " B:", records.main.TecB, " C:", records.main.TecC, " D:", records.main.TecD);
+  std::optional<Records> records = readFile(*calibration.mainSection, path, name.data());
+  if (!records) return kAccessDenied;
+  *calibration.mainSection = records->main;
+  setOptics(*calibration.opticsList, records->opticsList);
+  ardo::logMessage(ardo::kLogDebug, kSource, kLineTec,
+                   "Calibration data A: ", calibration.mainSection->TecA,
+                   " B:", calibration.mainSection->TecB, " C:", calibration.mainSection->TecC,
+                   " D:", calibration.mainSection->TecD);
   calibration.loaded = true;
   calibration.serial = serial;
   return kSuccess;

@@ -3,7 +3,7 @@
 #include <kalvista/SimpleXML.h>
 
 #include <cstring>
-#include <deque>
+#include <vector>
 
 namespace ardo {
 
@@ -133,12 +133,13 @@ class Cutter {
 std::optional<std::int32_t> cutComments(char* text, std::int32_t length) {
   // Nothing may be cut before all is known to balance. Comments are remembered meanwhile, as many
   // as take an eighth of the text's memory; any beyond are looked for again.
-  const std::size_t mostRemembered = static_cast<std::size_t>(length) / (8 * sizeof(Span));
-  std::deque<Span> remembered;
+  const std::size_t mostRemembered = static_cast<std::size_t>(length) / (8 * sizeof(Span)) + 1;
+  std::vector<Span> remembered;
   std::size_t count = 0;
   Comments comments(text, 0, length);
   while (const std::optional<Span> comment = comments.next()) {
-    if (count++ <= mostRemembered) remembered.push_back(*comment);
+    if (count == 0) remembered.reserve(mostRemembered);
+    if (count++ < mostRemembered) remembered.push_back(*comment);
   }
   if (comments.broken()) return std::nullopt;
   if (count == 0) return length;

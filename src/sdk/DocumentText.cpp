@@ -96,12 +96,32 @@ void replaceCarriageReturns(char* from, const char* end) {
   }
 }
 
+// True where two dashes, which every comment has, stand together or may do so without line ends.
+bool mayHoldComments(const char* from, const char* end) {
+  for (const char* dash = findByte(from, end, '-'); dash != end; dash = findByte(dash, end, '-')) {
+    ++dash;
+    if (dash == end || *dash == '-' || *dash == '\n') return true;
+  }
+  return false;
+}
+
+// The whole lines at the start of a text, up to one that is too long.
+std::string_view wholeLines(std::string_view text) {
+  std::size_t size = 0;
+  for (;;) {
+    const std::size_t last = text.substr(size, kLongestLine + 1).rfind('\n');
+    if (last == std::string_view::npos) return text.substr(0, size);
+    size += last + 1;
+  }
+}
+
 // Takes the lines of a file block by block and keeps the root's content.
 class ContentCollector {
  public:
-  ContentCollector(std::string_view root, DocumentText& document)
+  ContentCollector(std::string_view root, LineEnds lineEnds, DocumentText& document)
       : opening_("<" + std::string(root)),
         closing_("</" + std::string(root) + ">"),
+        keepsLineEnds_(lineEnds == LineEnds::Kept),
         document_(document),
         fill_(document.characters.get()) {}
 
@@ -112,12 +132,16 @@ class ContentCollector {
       from = findByte(from, end, '<');
       started_ = from != end;
     }
+    const char* const filled = fill_;
     from = document_.rootFound ? takeContent(from, end) : skipToRoot(from, end);
-    if (from == nullptr) return nullptr;
-    if (static_cast<std::size_t>(end - from) > kLongestLine) return nullptr;
-    if (endOfFile && from != end) takeUnfinishedLine(from, end);
-    return from;
+    if (from != nullptr && isTooLong(from, end)) from = nullptr;
+    if (from != nullptr && endOfFile && from != end) takeUnfinishedLine(from, end);
+    commentsSuspected_ = keepsLineEnds_ && mayHoldComments(filled, fill_);
+    return commentsSuspected_ ? nullptr : from;
   }
+
+  // Only told when line ends are kept.
+  bool commentsSuspected() const { return commentsSuspected_; }
 
   void finish() {
     *fill_ = '\0';
@@ -168,6 +192,12 @@ class ContentCollector {
   // Copies the lines that end before `stop`, which needs a closer look.
   const char* copyLines(const char* from, const char* end, const char* stop) {
     char* const copied = fill_;
+    if (keepsLineEnds_) {
+      const std::string_view lines = wholeLines({from, static_cast<std::size_t>(stop - from)});
+      std::memcpy(fill_, lines.data(), lines.size());
+      fill_ += lines.size();
+      return from + lines.size();
+    }
     for (;;) {
       const char* lineEnd = findByte(from, end, '\n');
       if (lineEnd >= stop) break;
@@ -209,14 +239,17 @@ class ContentCollector {
 
   TextFinder opening_;
   TextFinder closing_;
+  bool keepsLineEnds_;
   DocumentText& document_;
   char* fill_;
   bool started_ = false;  // the first "<" of the file has been seen
+  bool commentsSuspected_ = false;
 };
 
 }  // namespace
 
-std::optional<DocumentText> readDocumentText(const char* file, std::string_view root) {
+std::optional<DocumentText> readDocumentText(const char* file, std::string_view root,
+                                             LineEnds lineEnds) {
   const InputFile input(file);
   const std::optional<std::size_t> size = input.size();
   if (!size) return std::nullopt;
@@ -225,7 +258,7 @@ std::optional<DocumentText> readDocumentText(const char* file, std::string_view 
   document.characters.reset(new (std::nothrow) char[*size + 1 + kFixedCopy]);
   if (document.characters == nullptr) return std::nullopt;
 
-  ContentCollector collector(root, document);
+  ContentCollector collector(root, lineEnds, document);
   // Read into, so that it need not be set before.
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
   std::array<char, kBlockSize + kFixedCopy> block;
@@ -243,6 +276,7 @@ std::optional<DocumentText> readDocumentText(const char* file, std::string_view 
       std::memmove(block.data(), rest, kept);
     }
   }
+  if (collector.commentsSuspected()) return std::nullopt;
   collector.finish();
   return document;
 }

@@ -9,9 +9,6 @@ namespace ardo {
 
 namespace {
 
-// Most numbers are plain decimals, which a few operations convert to the scanner's value. Whatever
-// is not plain goes to the scanner.
-
 bool takeSign(std::string_view& text) {
   const bool negative = !text.empty() && text.front() == '-';
   if (negative) text.remove_prefix(1);
@@ -75,16 +72,12 @@ void scan(std::string_view text, Number* value, int (*scanner)(const char*, Numb
 
 }  // namespace
 
-void readNumber(std::string_view text, int* value) {
-  if (!readPlainInteger(text, value)) scan(text, value, _tscanfi);
-}
+bool readPlainNumber(std::string_view text, int* value) { return readPlainInteger(text, value); }
+bool readPlainNumber(std::string_view text, long* value) { return readPlainInteger(text, value); }
+bool readPlainNumber(std::string_view text, float* value) { return readPlainFraction(text, value); }
 
-void readNumber(std::string_view text, long* value) {
-  if (!readPlainInteger(text, value)) scan(text, value, _tscanfld);
-}
-
-void readNumber(std::string_view text, float* value) {
-  if (!readPlainFraction(text, value)) scan(text, value, _tscanff);
-}
+void scanNumber(std::string_view text, int* value) { scan(text, value, _tscanfi); }
+void scanNumber(std::string_view text, long* value) { scan(text, value, _tscanfld); }
+void scanNumber(std::string_view text, float* value) { scan(text, value, _tscanff); }
 
 }  // namespace ardo

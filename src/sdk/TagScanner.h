@@ -52,7 +52,7 @@ class TagScanner {
       const bool closing = next_[1] == '/';
       const char* name = next_ + (closing ? 2 : 1);
       const char* nameEnd = name;
-      while (*nameEnd != '>' && *nameEnd != '<' && nameEnd != end_) ++nameEnd;
+      while (*nameEnd != '>' && *nameEnd != '<' && *nameEnd != '\n' && nameEnd != end_) ++nameEnd;
       if (*nameEnd == '>') {
         tag = {{name, static_cast<std::size_t>(nameEnd - name)}, closing};
         taken_ = next_;
@@ -60,10 +60,14 @@ class TagScanner {
         next_ = findBracket(at_);
         return true;
       }
-      next_ = nameEnd;
+      lineEndSeen_ = lineEndSeen_ || *nameEnd == '\n';
+      next_ = findBracket(nameEnd);
     }
     return false;
   }
+
+  // True when a tag that was passed over may have been one but for a line end in it.
+  bool lineEndInTag() const { return lineEndSeen_; }
 
   // Where what was taken last begins, and where it ends.
   const char* tagBegin() const { return taken_; }
@@ -80,6 +84,7 @@ class TagScanner {
   const char* end_;
   const char* next_;             // the next "<"
   const char* taken_ = nullptr;  // the "<" that was taken last
+  bool lineEndSeen_ = false;
 };
 
 }  // namespace ardo

@@ -35,7 +35,7 @@ constexpr std::string_view kRules[] = {
     "r<<a>>|<a|>|</a|<a\n>|<a\r\n>|<b/>|<b x=1>|</a>|<a>|<|</|--|<!-|\r|$w|$w|$w|$w",
     "w<!--|-->|<!-->|<!--->|--><!--|-->-->|<!--<!--|--->|-->-->-->|<!--<!-->-->|$k",
     "k\0|a\0b|[a:\0]\n|</root>x|<root>x"sv,
-    "t|text| 5 |T|true|True|TRUE|yes|truer|$n",
+    "t|text| 5 |T|true|True|TRUE|yes|truer|tr\nue|a\rb|$n",
     // Numbers, and what somebody took for one.
     "d0|1|2|3|4|5|6|7|8|9",
     "i$d|$d$d|$d$d$d|$d$d$d|-$d|-$d$d|1$d$d$d|$n",
@@ -62,7 +62,7 @@ constexpr std::string_view kRules[] = {
     "[Lambda:$f]]]",
     "F|[Framerate:[FR:$i]]$F|[Framerate:[FR:$i]]$F",
     "s\n|\n|\n|\n|\n|\n|\n|\n|\n||\r\n|$l|$l|$l|$l|$m\n|$u",
-    "u<Tec>|<a|</|<|<FOV|<FR>|</FR>|</Optics>|<TecB>|>",
+    "u<Tec>|<a|</|<|<FOV|<FR>|</FR>|</Optics>|<TecB>|>|<!-\n-</Main>-\n->|<!-\n-<FR>-\n->",
 };
 
 std::string alternativeOf(char letter, ByteSource& source) {
@@ -76,14 +76,17 @@ std::string alternativeOf(char letter, ByteSource& source) {
   return std::string(rule.substr(0, rule.find('|')));
 }
 
-// Only a wild text has comments that may not balance, and lines that end early.
+// Only a wild text has comments that may not balance, and lines that end early; a bare one has
+// none.
 std::string expand(std::string text, ByteSource& source) {
   constexpr std::size_t kLongest = 20000;
   const bool wild = source.oneIn(6);
+  const bool bare = source.oneIn(3);
   std::vector<std::pair<std::string, std::size_t>> open;
   for (std::size_t at = 0; (at = text.find_first_of("$[]", at)) != std::string::npos;) {
     if (text[at] == '$') {
-      const bool skipped = at > kLongest || (text[at + 1] == 'w' && !wild);
+      const bool skipped =
+          at > kLongest || (text[at + 1] == 'w' && !wild) || (text[at + 1] == 'm' && bare);
       text.replace(at, 2, skipped ? "" : alternativeOf(text[at + 1], source));
     } else if (text[at] == '[') {
       const std::size_t colon = text.find(':', at);
@@ -126,6 +129,9 @@ void damage(std::string& text, ByteSource& source) {
   if (length < wanted) text.insert(line, wanted - length, source.pick("x -<\r"sv));
   for (std::size_t left = source.oneIn(100) ? 1550 + source.below(300) : 0; left > 0; --left) {
     text.insert(line, "<ab>1</ab>\n");
+  }
+  for (std::size_t breaks = source.oneIn(3) ? source.below(4) : 0; breaks > 0; --breaks) {
+    text.insert(source.below(text.size() + 1), 1, source.pick("\n\n\n\r"sv));
   }
 }
 
