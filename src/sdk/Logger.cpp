@@ -112,14 +112,31 @@ bool consoleTakes(const Logger& log, unsigned int level) {
   return takes(log, LOGGER_CONSOLE_ON, log.consoleLevel, level);
 }
 
+// Functions of their own, so that a message below the thresholds costs nothing of them.
+[[gnu::noinline]] Logger* makeInstance() { return Logger::m_ = new Logger; }
+
+[[gnu::noinline]] void reportNotConfigured(const Logger& log, std::string_view source, int line) {
+  if (notConfiguredReported) return;
+  const long double elapsed = log.timer.getTime();
+  std::fputs(composeLine("", source, line, elapsed, " Logger not configured!").c_str(), stderr);
+  notConfiguredReported = true;
+}
+
+[[gnu::noinline]] void write(Logger& log, unsigned int level, std::string_view source, int line,
+                             std::string_view message) {
+  const std::string text =
+      composeLine(levelWord(level), source, line, log.timer.getTime(), message);
+  if (fileTakes(log, level)) {
+    log.stream.write(text.data(), static_cast<std::streamsize>(text.size())).flush();
+  }
+  if (consoleTakes(log, level)) std::fputs(text.c_str(), stderr);
+}
+
 }  // namespace
 
 Logger* Logger::m_ = nullptr;
 
-Logger* Logger::getInstance() {
-  if (m_ == nullptr) m_ = new Logger;
-  return m_;
-}
+Logger* Logger::getInstance() { return m_ != nullptr ? m_ : makeInstance(); }
 
 void Logger::releaseInstance() {
   delete m_;
@@ -142,28 +159,6 @@ void Logger::configure(const std::string& file, loggerConf_ newConf, int newFile
   conf = newConf;
   configured = true;
 }
-
-namespace {
-
-// Functions of their own, so that a message below the thresholds costs nothing of them.
-[[gnu::noinline]] void reportNotConfigured(const Logger& log, std::string_view source, int line) {
-  if (notConfiguredReported) return;
-  const long double elapsed = log.timer.getTime();
-  std::fputs(composeLine("", source, line, elapsed, " Logger not configured!").c_str(), stderr);
-  notConfiguredReported = true;
-}
-
-[[gnu::noinline]] void write(Logger& log, unsigned int level, std::string_view source, int line,
-                             std::string_view message) {
-  const std::string text =
-      composeLine(levelWord(level), source, line, log.timer.getTime(), message);
-  if (fileTakes(log, level)) {
-    log.stream.write(text.data(), static_cast<std::streamsize>(text.size())).flush();
-  }
-  if (consoleTakes(log, level)) std::fputs(text.c_str(), stderr);
-}
-
-}  // namespace
 
 void Logger::print(unsigned int level, const std::string& file, int line, const std::string& msg) {
   if (!configured) {
