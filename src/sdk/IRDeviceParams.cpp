@@ -1,22 +1,20 @@
 // The device parameters record: defaults and print.
 #include <kalvista/IRDeviceParams.h>
 
-#include <iostream>
-#include <locale>
-#include <sstream>
+#include <cstdio>
+
+#include "sdk/TextComposer.h"
 
 namespace ardo {
 
 namespace {
 
-// Written through a stream of its own: what an application set on standard output does not reach
-// the numbers.
 template <typename Value>
 void printLine(const char* label, const Value& value) {
-  std::ostringstream line;
-  line.imbue(std::locale::classic());
-  line << label << value;
-  std::cout << line.str() << std::endl;
+  TextComposer line;
+  line << label << value << "\n";
+  std::fputs(line.text().c_str(), stdout);
+  std::fflush(stdout);
 }
 
 void printTextLine(const char* label, const char* text) {

@@ -2,7 +2,6 @@
 #include <kalvista/IRCalibrationManager.h>
 
 #include <cstdio>
-#include <iostream>
 #include <memory>
 
 namespace ardo {
@@ -13,7 +12,8 @@ bool IRCalibrationManager::copyCalibrationFromLocalRepo(unsigned long serial,
   const std::string copy = "* -exec cp \"{}\" " + std::string(_calibrationDir) + " \\;";
   const std::string command = "find " + repoPath + " -name Cali-" + number + copy +
                               " -o -name Kennlinie-" + number + copy + " 2> /dev/null";
-  std::cout << command << std::endl;
+  std::puts(command.c_str());
+  std::fflush(stdout);
 
   std::FILE* pipe = popen(command.c_str(), "re");
   if (pipe == nullptr) return false;

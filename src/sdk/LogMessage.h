@@ -4,8 +4,7 @@
 
 #include <kalvista/Logger.h>
 
-#include <locale>
-#include <sstream>
+#include "sdk/TextComposer.h"
 
 namespace ardo {
 
@@ -15,15 +14,13 @@ enum LogLevel : unsigned int { kLogError = 0, kLogWarning = 1, kLogInfo = 2, kLo
 // still to be written.
 bool logAccepts(unsigned int level);
 
-// Composes a message from its pieces, as an output stream writes them, and logs it. A null text
-// ends the message.
+// Composes a message from its pieces and logs it.
 template <typename... Pieces>
 void logMessage(LogLevel level, const char* source, int line, const Pieces&... pieces) {
   if (!logAccepts(level)) return;
-  std::ostringstream message;
-  message.imbue(std::locale::classic());
+  TextComposer message;
   (message << ... << pieces);
-  brivex::Logger::getInstance()->print(level, source, line, message.str());
+  brivex::Logger::getInstance()->print(level, source, line, message.text());
 }
 
 }  // namespace ardo

@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <sstream>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -112,14 +112,16 @@ bool testWriting(const std::string& directory) {
 
 bool IRCalibrationManager::downloadTarget(char* fileList, std::string serialText,
                                           std::string targetDir) {
-  std::istringstream files(fileList != nullptr ? fileList : "");
+  const std::string files(fileList != nullptr ? fileList : "");
   const int ignored = std::system("wget " KALVISTA_DOWNLOAD_LINKS_URL " -O /tmp/downloadlinks.xml");
   static_cast<void>(ignored);
   Links links;
   if (!readLinks(links)) return false;
 
   bool started = false;
-  for (std::string file; std::getline(files, file, ';');) {
+  for (std::size_t begin = 0, end = 0; begin < files.size(); begin = end + 1) {
+    end = std::min(files.find(';', begin), files.size());
+    const std::string file = files.substr(begin, end - begin);
     std::string address;
     const bool taken = std::any_of(links.begin(), links.end(), [&](const std::string& link) {
       address = addressOf(link, serialText, file);
