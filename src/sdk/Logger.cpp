@@ -38,7 +38,7 @@ void appendNumber(std::string& text, int number) {
 // Six significant digits in general notation, without an exponent. False, with nothing written,
 // for what needs one, and where the sixth digit hangs on how the format rounds a tie.
 bool appendPlainSeconds(std::string& text, long double seconds) {
-  constexpr int kDigits = 6;
+  constexpr std::size_t kDigits = 6;
   constexpr std::array kPowersOfTen{1.0L, 1e1L, 1e2L, 1e3L, 1e4L, 1e5L, 1e6L, 1e7L, 1e8L, 1e9L};
   const auto scale = std::find_if(kPowersOfTen.begin(), kPowersOfTen.end(),
                                   [=](long double power) { return seconds * power >= 1e5L; });
@@ -51,15 +51,17 @@ bool appendPlainSeconds(std::string& text, long double seconds) {
 
   std::array<char, kDigits> digits{};
   std::to_chars(digits.begin(), digits.end(), whole + (rest > 0.5L ? 1 : 0));
+  std::string_view shown(digits.data(), digits.size());
   const auto decimals = static_cast<std::size_t>(scale - kPowersOfTen.begin());
-  std::string number = decimals < kDigits ? "" : std::string(decimals + 1 - kDigits, '0');
-  number.append(digits.begin(), digits.end());
-  if (decimals > 0) {
-    number.insert(number.size() - decimals, ".");
-    number.erase(number.find_last_not_of('0') + 1);
-    if (number.back() == '.') number.pop_back();
+  if (decimals >= kDigits) {
+    text.append("0.").append(decimals - kDigits, '0');
+  } else {
+    text.append(shown.substr(0, kDigits - decimals));
+    shown.remove_prefix(kDigits - decimals);
   }
-  text.append(number);
+  shown = shown.substr(0, shown.find_last_not_of('0') + 1);
+  if (decimals < kDigits && !shown.empty()) text.append(".");
+  text.append(shown);
   return true;
 }
 
