@@ -45,13 +45,7 @@ std::string_view textBetween(const char* begin, const char* end) {
 
 class ElementScan {
  public:
-  explicit ElementScan(Records& records) : records_(records) {
-    // Until it is known better, an element holds a value, and elements come in the rules' order.
-    for (std::uint8_t element = 0; element + 1U < kElementCount; ++element) {
-      followers_[element][0].latest = {element, true};
-      followers_[element][1].latest = {static_cast<std::uint8_t>(element + 1), false};
-    }
-  }
+  explicit ElementScan(Records& records) : records_(records) {}
 
   // Looks for some elements, and for all that their rules name inside them.
   void run(std::string_view text, ElementSet wanted) {
@@ -91,6 +85,7 @@ class ElementScan {
     KnownTag latest;
     KnownTag former;
   };
+  using FollowerTable = std::array<std::array<Followers, 2>, kNoElement + 1>;
 
   // From the closing tag of a value to the end of the next opening tag.
   struct Step {
@@ -102,6 +97,19 @@ class ElementScan {
     const char* begin = nullptr;
     const char* end = nullptr;
   };
+
+  // Until it is known better, an element holds a value, and elements come in the rules' order.
+  static const FollowerTable& firstGuesses() {
+    static constexpr FollowerTable kGuesses = [] {
+      FollowerTable guesses{};
+      for (std::uint8_t element = 0; element + 1U < kElementCount; ++element) {
+        guesses[element][0].latest = {element, true};
+        guesses[element][1].latest = {static_cast<std::uint8_t>(element + 1), false};
+      }
+      return guesses;
+    }();
+    return kGuesses;
+  }
 
   // What followed a tag before most often does so again, and is told by one comparison.
   bool takeKnown(ardo::TagScanner& tags, KnownTag& known) {
@@ -188,7 +196,7 @@ class ElementScan {
   ElementSet open_ = 0;
   ElementSet found_ = 0;
   bool lineEndInTag_ = false;
-  std::array<std::array<Followers, 2>, kNoElement + 1> followers_;
+  FollowerTable followers_ = firstGuesses();
   std::array<Step, kElementCount> steps_{};
   std::array<Content, kElementCount> contents_{};
 };
