@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <iterator>
 
 #include "Console.h"
@@ -17,7 +18,10 @@ constexpr float kNotExtended = -100.0F;  // the model's value of a limit that th
 CalibrationFile lookAt(const std::string& directory, const std::string& name) {
   CalibrationFile file{name, directory + "/" + name};
   struct stat status {};
-  if (stat(file.path.c_str(), &status) != 0) return file;
+  if (stat(file.path.c_str(), &status) != 0) {
+    if (errno != ENOENT && errno != ENOTDIR) file.state = FileState::Unreadable;
+    return file;
+  }
   file.size = static_cast<std::uintmax_t>(status.st_size);
   if (!S_ISREG(status.st_mode) || access(file.path.c_str(), R_OK) != 0) {
     file.state = FileState::Unreadable;
@@ -207,7 +211,8 @@ std::string opticsTable(const Json& optics) {
   Table table({"FOV", "TEXT", "RANGE", "EXTENDED", "DECIMALS", "FRAME RATES"});
   for (const Json& definition : optics) {
     const std::string text = definition["text"];
-    if (definition["ranges"].empty()) table.add({definition["fov"].dump(), text, "none"});
+    if (definition["ranges"].empty())
+      table.add({definition["fov"].dump(), text.empty() ? "-" : text, "none"});
     for (const Json& range : definition["ranges"]) {
       table.add({definition["fov"].dump(), text.empty() ? "-" : text, intervalText(range),
                  intervalText(range["extended"]), range["decimals"].dump(),

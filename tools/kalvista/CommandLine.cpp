@@ -61,7 +61,10 @@ std::string CommandLine::parse(int argumentCount, const char* const* arguments) 
   return "";
 }
 
-std::string CommandLine::commandName() const { return app_.get_subcommands().front()->get_name(); }
+std::string CommandLine::commandName() const {
+  const auto commands = app_.get_subcommands();
+  return commands.empty() ? "" : commands.front()->get_name();
+}
 
 std::string CommandLine::explain(const CLI::ParseError& error) const {
   const bool commandKnown = !app_.get_subcommands().empty();

@@ -28,8 +28,8 @@ class CommandLine {
   // when the command line is wrong.
   std::string parse(int argumentCount, const char* const* arguments);
 
+  std::string commandName() const;  // empty when none was recognised
   // After a parse() that gave no text.
-  std::string commandName() const;
   const CommonOptions& common() const { return common_; }
   Answer run() const { return runners_.at(commandName())(common_); }
 

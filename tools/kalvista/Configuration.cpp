@@ -47,7 +47,10 @@ std::unique_ptr<Configuration> readConfiguration(const std::string& path) {
 }
 
 std::string defaultDocument(const CommonOptions& common, unsigned long serial) {
-  if (!loadCalibration(common.calibrationDir, serial)) {
+  if (std::error_code error; !fs::is_directory(common.calibrationDir, error)) {
+    warn("the calibration directory " + common.calibrationDir +
+         " does not exist or cannot be entered; the configuration names it all the same");
+  } else if (!loadCalibration(common.calibrationDir, serial)) {
     warn("the calibration file " + calibrationXmlPath(common.calibrationDir, serial) +
          " cannot be loaded, so the optics in the configuration is a placeholder");
   }
@@ -58,6 +61,11 @@ bool writeDocument(const std::string& path, const std::string& document, bool fo
   requireDirectory(parentOf(path), "directory");
   std::error_code error;
   const bool exists = fs::exists(path, error);
+  if (!exists && fs::is_symlink(path, error)) {
+    throw Failure(ExitCode::CouldNot, "the file " + path +
+                                          " is a link that leads nowhere; remove it, or name "
+                                          "another file");
+  }
   // A link keeps its place, and what it leads to is replaced.
   const std::string target = exists ? fs::canonical(path).string() : path;
   if (exists) {

@@ -86,7 +86,8 @@ Acquisition copyFromRepository(const CommonOptions& common, unsigned long serial
   note("copying the files of camera " + std::to_string(serial) + " from " + repository);
   const Sources sources = findSources(repository, serial);
   if (sources.empty()) {
-    warn("the repository " + repository + " holds no file of camera " + std::to_string(serial));
+    warn("the repository " + repository + " holds no file of camera " + std::to_string(serial) +
+         ", or only in folders that this user may not enter");
   }
   Staging staging(common.calibrationDir, serial);
   // find goes into a link only when its name ends like a directory's.

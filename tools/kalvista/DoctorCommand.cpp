@@ -56,6 +56,8 @@ void checkCamera(unsigned long* serial, std::vector<Check>* checks) {
     if (search.serial != 0) *serial = search.serial;
   } catch (const Failure& failure) {
     checks->push_back(failedCheck("usb-tree", kFail, failure.what()));
+    checks->push_back({"camera", *serial == 0 ? kFail : kWarn, "not looked for without a USB tree",
+                       "mend the line above"});
   }
 }
 
@@ -148,8 +150,9 @@ Answer run(const CommonOptions& common, const OwnOptions& own) {
   answer.text = table.text();
   if (failed > 0) {
     answer.exitCode = ExitCode::AnswerIsNo;
-    answer.problem = countText(static_cast<std::size_t>(failed), "check") +
-                     " failed; do what its line says and run \"kalvista doctor\" again";
+    answer.problem = countText(static_cast<std::size_t>(failed), "check") + " failed; do what " +
+                     (failed == 1 ? "its line says" : "their lines say") +
+                     " and run \"kalvista doctor\" again";
   }
   return answer;
 }

@@ -1,7 +1,9 @@
 #include "Downloader.h"
 
+#include <poll.h>
 #include <signal.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -13,6 +15,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Failure.h"
+#include "Files.h"
 #include "Paths.h"
 
 namespace tool {
@@ -21,6 +25,9 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kDownloader = "wget";
+constexpr const char* kStagingLink = "/staging";
+constexpr const char* kTemporaryFolder = "/tmp";  // where the library keeps the links document, too
+constexpr mode_t kOwnerOnly = 0700;
 constexpr int kCommandNotFound = 127;
 constexpr timespec kLookInterval{0, 200000000};
 
@@ -40,9 +47,12 @@ char** findTarget(char** arguments) {
   return nullptr;
 }
 
-// The tool's own child leads the group of all that it started. The command interpreter between them
-// outlives it, and so would the downloader.
-bool hasGroupLeaderEnded() { return kill(getpgrp(), 0) != 0 && errno == ESRCH; }
+// The tool reads what the downloader prints. The command interpreter between them outlives the
+// tool, and so would the downloader.
+bool hasToolEnded() {
+  pollfd output{STDOUT_FILENO, 0, 0};
+  return poll(&output, 1, 0) > 0 && (output.revents & POLLERR) != 0;
+}
 
 int runRealDownloader(const std::vector<char*>& arguments) {
   sigset_t childEnds;
@@ -61,18 +71,37 @@ int runRealDownloader(const std::vector<char*>& arguments) {
   int status = 0;
   while (waitpid(child, &status, WNOHANG) == 0) {
     sigtimedwait(&childEnds, nullptr, &kLookInterval);
-    if (hasGroupLeaderEnded()) kill(child, SIGKILL);
+    if (hasToolEnded()) kill(child, SIGKILL);
   }
   return WIFEXITED(status) ? WEXITSTATUS(status) : EXIT_FAILURE;
 }
 
 }  // namespace
 
-void standInForDownloader(const std::string& stagingFolder) {
-  const std::string folder = stagingFolder + "/bin";
-  fs::create_directory(folder);
-  fs::create_symlink(fs::read_symlink("/proc/self/exe"), folder + "/" + kDownloader);
-  setenv("PATH", (folder + ":" + searchPath()).c_str(), 1);
+DownloaderStandIn::DownloaderStandIn(const std::string& stagingFolder)
+    : folder_(workName(kTemporaryFolder, "downloader")) {
+  clearLeftovers(kTemporaryFolder);
+  std::error_code error;
+  fs::remove_all(folder_, error);  // of an earlier process with our number
+  if (mkdir(folder_.c_str(), kOwnerOnly) == 0) {
+    fs::create_symlink(fs::read_symlink("/proc/self/exe"), folder_ + "/" + kDownloader, error);
+    if (!error) fs::create_directory_symlink(stagingFolder, folder_ + kStagingLink, error);
+  } else {
+    error.assign(errno, std::generic_category());
+  }
+  if (!error) return;
+  throw Failure(ExitCode::CouldNot,
+                "the folder " + folder_ + " cannot be made: " + error.message() +
+                    "; check permissions and free space of " + kTemporaryFolder);
+}
+
+DownloaderStandIn::~DownloaderStandIn() {
+  std::error_code error;
+  fs::remove_all(folder_, error);
+}
+
+void DownloaderStandIn::takeOver() const {
+  setenv("PATH", (folder_ + ":" + searchPath()).c_str(), 1);
 }
 
 bool isCalledAsDownloader(const char* programName) {
@@ -86,8 +115,9 @@ int runDownloader(char** arguments) {
 
   std::string target;
   std::string unfinished;
-  if (char** named = findTarget(arguments);
-      named != nullptr && parentOf(*named) == parentOf(ownFolder)) {
+  std::error_code error;
+  const fs::path staging = fs::read_symlink(ownFolder + kStagingLink, error);
+  if (char** named = findTarget(arguments); named != nullptr && parentOf(*named) == staging) {
     target = *named;
     unfinished = target + ".part";
     *named = unfinished.data();

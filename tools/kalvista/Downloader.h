@@ -11,8 +11,21 @@
 
 namespace tool {
 
-// Puts the tool in front of the real downloader, for this process and those that it starts.
-void standInForDownloader(const std::string& stagingFolder);
+// The folder that makes the stand-in. It lies outside of the calibration directory, whose path may
+// hold what a search path cannot, and whose file system may know no links.
+class DownloaderStandIn {
+ public:
+  explicit DownloaderStandIn(const std::string& stagingFolder);
+  ~DownloaderStandIn();
+  DownloaderStandIn(const DownloaderStandIn&) = delete;
+  DownloaderStandIn& operator=(const DownloaderStandIn&) = delete;
+
+  // Puts the tool in front of the real downloader, for this process and those that it starts.
+  void takeOver() const;
+
+ private:
+  std::string folder_;
+};
 
 bool isCalledAsDownloader(const char* programName);
 // Gives the exit status of the real downloader.

@@ -10,6 +10,7 @@
 #include "ChildProcess.h"
 #include "Console.h"
 #include "Downloader.h"
+#include "Files.h"
 #include "Machine.h"
 #include "Paths.h"
 #include "Staging.h"
@@ -50,9 +51,10 @@ ChildResult runPass(const Staging& staging, const CommonOptions& common, unsigne
   limits.silence = std::chrono::seconds(timeoutSeconds);
   limits.progress = [&] { return staging.bytes(); };
   limits.showOutput = common.isDebug();
+  const DownloaderStandIn standIn(staging.path());
   ChildResult result = callInChild(
       [&] {
-        standInForDownloader(staging.path());
+        standIn.takeOver();
         std::string list = joinNames(names);
         return ardo::IRCalibrationManager::downloadTarget(list.data(), std::to_string(serial),
                                                           staging.path());
@@ -88,6 +90,7 @@ void announcePass(int pass, const CalibrationStatus& status) {
 Acquisition downloadMissing(const CommonOptions& common, unsigned long serial,
                             unsigned timeoutSeconds) {
   requireWorkableCalibrationDir(common);
+  clearLeftovers(common.calibrationDir);
   Acquisition result;
   result.status = inspectCalibration(common.calibrationDir, serial);
   if (result.status.complete()) return result;

@@ -23,6 +23,8 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kWorkPrefix = ".kalvista-";
 constexpr mode_t kOrdinaryFileMode = 0666;  // less the user's mask
+constexpr mode_t kAllModes = 07777;
+constexpr mode_t kReadableByAll = 0444;
 
 [[noreturn]] void failToWrite(const std::string& path) {
   throw Failure(ExitCode::CouldNot, "the file " + path +
@@ -40,6 +42,12 @@ bool nameUnlessTaken(const std::string& from, const std::string& to) {
     return false;
   }
   return rename(from.c_str(), to.c_str()) == 0;
+}
+
+// As far as this user may give files away.
+void keepOwnerAndMode(const Descriptor& file, const struct stat& former) {
+  const bool given = fchown(file.number(), former.st_uid, former.st_gid) == 0;
+  fchmod(file.number(), former.st_mode & (given ? kAllModes : kOrdinaryFileMode));
 }
 
 bool isRunning(std::string_view processId) {
@@ -60,6 +68,8 @@ bool Descriptor::close() {
 }
 
 std::string readFile(const std::string& path) {
+  std::error_code error;
+  if (!fs::is_regular_file(path, error)) return "";
   std::ifstream stream(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
@@ -79,12 +89,22 @@ bool flushToDisk(const std::string& path) {
   return file.number() >= 0 && fsync(file.number()) == 0;
 }
 
+void letAllRead(const std::string& path) {
+  const mode_t mask = umask(0);
+  umask(mask);
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return;
+  chmod(path.c_str(), (status.st_mode | (kReadableByAll & ~mask)) & kAllModes);
+}
+
 void writeFileWhole(const std::string& path, std::string_view content, bool replace) {
   clearLeftovers(parentOf(path));
   const std::string work = workName(parentOf(path), "new");
   Descriptor file(
       open(work.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kOrdinaryFileMode));
   if (file.number() < 0) failToWrite(path);
+  struct stat former {};
+  if (replace && stat(path.c_str(), &former) == 0) keepOwnerAndMode(file, former);
   const bool whole =
       writeAll(file.number(), content) && fsync(file.number()) == 0 && file.close() &&
       (replace ? rename(work.c_str(), path.c_str()) == 0 : nameUnlessTaken(work, path));

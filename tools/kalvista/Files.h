@@ -29,6 +29,9 @@ bool writeAll(int descriptor, std::string_view content);
 // Forces a file that is to be renamed to the disk; false with errno set.
 bool flushToDisk(const std::string& path);
 
+// Lets all users read a file, as far as this user's mask does not keep them from it.
+void letAllRead(const std::string& path);
+
 // Writes beside the target, forces to the disk, and only then gives it its name: a run that is
 // killed leaves the target as it was. With `replace` false a file that exists meanwhile stays.
 void writeFileWhole(const std::string& path, std::string_view content, bool replace);

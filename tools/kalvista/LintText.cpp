@@ -180,6 +180,10 @@ class TextCheck {
   }
 
   void checkPlainText(std::size_t from, std::size_t to) {
+    for (std::size_t at = view_.find('\0', from); at < to; at = view_.find('\0', at)) {
+      report(at, "a zero byte, at which the reader ends the line, expected text");
+      blankOut(view_, at, lineEnd(document_, at));
+    }
     for (std::size_t at = view_.find('&', from); at < to; at = view_.find('&', at)) {
       const std::size_t end = view_.find_first_of(";<& ", at + 1);
       if (end < to && view_[end] == ';') {

@@ -173,7 +173,12 @@ class Mending {
 std::vector<Element> parseElements(std::string view, Findings& findings) {
   for (int faults = 0;; ++faults) {
     Parse parse(view);
-    if (parse.error == XML_ERROR_NONE || faults == kMostFaults) return std::move(parse.elements);
+    if (parse.error == XML_ERROR_NONE) return std::move(parse.elements);
+    if (faults == kMostFaults) {
+      findings.push_back(
+          {parse.errorAt, "document", "more faults than can be told at once follow, expected XML"});
+      return {};
+    }
     if (!Mending(view, parse, findings).mend()) return std::move(parse.elements);
   }
 }

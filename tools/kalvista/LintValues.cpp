@@ -81,8 +81,11 @@ ValueCheck checkNumber(const ElementRule& rule, const std::string& value) {
   if (findInk(value, reading.length, value.size()) < value.size()) {
     return {isRead + ", what follows is ignored" + expected, reading.number};
   }
+  if (!std::isfinite(reading.number)) {
+    return {quoted(value) + " is no finite number" + expected, std::nullopt};
+  }
   const bool isInRange = reading.number >= rule.range.min && reading.number <= rule.range.max;
-  if (isInRange && std::isfinite(reading.number)) return {"", reading.number};
+  if (isInRange) return {"", reading.number};
   const double kept =
       rule.kind == ValueKind::Integer16 ? narrowed(rule, reading.number) : reading.number;
   if (kept != reading.number) {

@@ -21,7 +21,8 @@ std::size_t width(const std::string& cell) {
 }  // namespace
 
 Json completeDocument(const std::string& command, const Answer& answer) {
-  Json document = {{"schema", kJsonSchemaVersion}, {"command", command}};
+  Json document = {{"schema", kJsonSchemaVersion}};
+  document["command"] = command.empty() ? Json() : Json(command);
   document["problem"] = answer.problem.empty() ? Json() : Json(answer.problem);
   document.update(answer.document);
   return document;

@@ -27,6 +27,7 @@ struct Answer {
   std::string problem;  // when the answer is no: one sentence
 };
 
+// `command` is empty when the command line names none.
 Json completeDocument(const std::string& command, const Answer& answer);
 std::string jsonText(const Json& document);
 

@@ -46,15 +46,18 @@ std::string parentOf(const std::string& path) { return fs::path(path).parent_pat
 
 void requireDirectory(const std::string& path, const std::string& what) {
   std::error_code error;
-  if (fs::is_directory(path, error)) return;
-  const bool exists = fs::exists(path, error);
-  if (error) {
+  const fs::file_status status = fs::status(path, error);
+  const bool isDirectory = fs::is_directory(status);
+  if (isDirectory && access(path.c_str(), X_OK) == 0) return;
+  if (isDirectory) error.assign(errno, std::generic_category());
+  if (isDirectory || !fs::status_known(status)) {
     throw Failure(ExitCode::CouldNot, "the " + what + " " + path + " cannot be entered: " +
                                           error.message() + "; check the permissions on the way");
   }
-  throw Failure(ExitCode::CouldNot, "the " + what + " " + path +
-                                        (exists ? " is not a directory" : " does not exist") +
-                                        "; check the path or create it");
+  throw Failure(ExitCode::CouldNot,
+                "the " + what + " " + path +
+                    (fs::exists(status) ? " is not a directory" : " does not exist") +
+                    "; check the path or create it");
 }
 
 void requireFileReadable(const std::string& path, const std::string& what) {

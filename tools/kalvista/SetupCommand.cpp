@@ -5,6 +5,8 @@
 #include "Commands.h"
 #include "Configuration.h"
 #include "Console.h"
+#include "Files.h"
+#include "Paths.h"
 #include "Usb.h"
 
 namespace tool {
@@ -29,7 +31,7 @@ void declare(CLI::App& app, OwnOptions& own) {
 
 Acquisition completeCalibration(const CommonOptions& common, const OwnOptions& own,
                                 unsigned long serial) {
-  requireCalibrationDir(common);
+  clearLeftovers(common.calibrationDir);
   Acquisition present{{}, inspectCalibration(common.calibrationDir, serial)};
   if (present.status.complete()) return present;
   return own.repository.empty() ? downloadMissing(common, serial, own.timeoutSeconds)
@@ -39,7 +41,7 @@ Acquisition completeCalibration(const CommonOptions& common, const OwnOptions& o
 // An existing configuration is the user's: it is read, never changed. Gives whether one is written.
 bool provideConfiguration(const CommonOptions& common, unsigned long serial,
                           const std::string& path) {
-  if (!std::filesystem::exists(path)) {
+  if (std::error_code error; !std::filesystem::exists(path, error)) {
     return writeDocument(path, defaultDocument(common, serial), false);
   }
   const auto configured = readConfiguration(path)->values.serial;
@@ -72,16 +74,26 @@ Answer run(const CommonOptions& common, const OwnOptions& own) {
     serial = search.serial;
     note("camera " + std::to_string(serial) + " is attached");
   }
-  Answer answer = answerOf(completeCalibration(common, own, serial), common, serial);
-  if (answer.exitCode != ExitCode::Done) return answer;
   const std::string path = !own.configuration.empty() ? own.configuration
                                                       : common.calibrationDir + "/config-" +
                                                             std::to_string(serial) + ".xml";
+  // Ahead of all work, so that a path that is mistyped is named before anything is changed.
+  requireCalibrationDir(common);
+  requireDirectory(parentOf(path), "directory");
+  if (!own.repository.empty()) requireDirectory(own.repository, "repository");
+  Answer answer = answerOf(completeCalibration(common, own, serial), common, serial);
+  if (answer.exitCode != ExitCode::Done) return answer;
+  answer.document["optics"] = opticsDocument(*loadCalibration(common.calibrationDir, serial));
+  if (answer.document["optics"].empty()) {
+    answer.exitCode = ExitCode::AnswerIsNo;
+    answer.problem = "the calibration file " + calibrationXmlPath(common.calibrationDir, serial) +
+                     " names no optics; replace it by a whole one with \"kalvista copy\"";
+    return answer;
+  }
   const bool written = provideConfiguration(common, serial, path);
   answer.document["configurationWritten"] = written;
   if (written) answer.document["changed"] = true;
   answer.document["configuration"] = path;
-  answer.document["optics"] = opticsDocument(*loadCalibration(common.calibrationDir, serial));
   answer.text = opticsTable(answer.document["optics"]) + readyText(answer, common);
   return answer;
 }

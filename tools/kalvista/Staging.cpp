@@ -20,9 +20,8 @@ namespace fs = std::filesystem;
 
 constexpr mode_t kOwnerOnly = 0700;
 
-[[noreturn]] void failToWrite(const std::string& directory) {
-  throw Failure(ExitCode::CouldNot, "the calibration directory " + directory +
-                                        " cannot be written: " + std::strerror(errno) +
+[[noreturn]] void failToWrite(const std::string& what) {
+  throw Failure(ExitCode::CouldNot, "the " + what + " cannot be written: " + std::strerror(errno) +
                                         "; check free space, run as a user who may write there, or "
                                         "give another one with --calibration-dir");
 }
@@ -36,7 +35,9 @@ Staging::Staging(const std::string& calibrationDir, unsigned long serial)
   clearLeftovers(calibrationDir);
   std::error_code error;
   fs::remove_all(path_, error);  // of an earlier process with our number
-  if (mkdir(path_.c_str(), kOwnerOnly) != 0) failToWrite(calibrationDir);
+  if (mkdir(path_.c_str(), kOwnerOnly) != 0) {
+    failToWrite("calibration directory " + calibrationDir);
+  }
 }
 
 Staging::~Staging() {
@@ -72,8 +73,9 @@ bool Staging::installOne(const std::string& name) {
     return false;
   }
   if (readFile(arrived) == readFile(target)) return false;
+  letAllRead(arrived);  // applications run as other users than the one who sets a camera up
   if (!flushToDisk(arrived) || std::rename(arrived.c_str(), target.c_str()) != 0) {
-    failToWrite(calibrationDir_);
+    failToWrite("file " + target);
   }
   return true;
 }

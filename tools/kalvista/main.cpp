@@ -3,7 +3,9 @@
 #include <signal.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <exception>
+#include <string_view>
 
 #include "CommandLine.h"
 #include "Console.h"
@@ -48,18 +50,32 @@ Answer answerOf(const tool::CommandLine& commandLine) {
   }
 }
 
-ExitCode deliver(const tool::CommandLine& commandLine, const Answer& answer) {
+ExitCode deliver(const tool::CommandLine& commandLine, bool asJson, const Answer& answer) {
   if (!answer.problem.empty()) tool::complain(answer.problem);
-  tool::writeToStandardOutput(commandLine.common().json ? tool::jsonText(tool::completeDocument(
-                                                              commandLine.commandName(), answer))
-                                                        : answer.text);
+  tool::writeToStandardOutput(
+      asJson ? tool::jsonText(tool::completeDocument(commandLine.commandName(), answer))
+             : answer.text);
   return answer.exitCode;
+}
+
+// Also of a command line that is not understood.
+bool asksForJson(int argumentCount, const char* const* arguments) {
+  return std::any_of(arguments, arguments + argumentCount,
+                     [](std::string_view argument) { return argument == "--json"; });
 }
 
 ExitCode runTool(int argumentCount, const char* const* arguments) {
   tool::CommandLine commandLine;
-  const std::string askedText = commandLine.parse(argumentCount, arguments);
-  if (askedText.empty()) return deliver(commandLine, answerOf(commandLine));
+  std::string askedText;
+  try {
+    askedText = commandLine.parse(argumentCount, arguments);
+  } catch (const Failure& failure) {
+    return deliver(commandLine, asksForJson(argumentCount, arguments),
+                   failedAnswer(failure.exitCode(), failure.what()));
+  }
+  if (askedText.empty()) {
+    return deliver(commandLine, commandLine.common().json, answerOf(commandLine));
+  }
   tool::writeToStandardOutput(askedText);
   return ExitCode::Done;
 }
