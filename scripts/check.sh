@@ -5,7 +5,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-all_checks=(plain_build library_alone format scripts tidy install memory demo abi manual benchmark)
+all_checks=(plain_build library_alone format scripts tidy install memory demo abi manual packages benchmark)
 serial=12345678
 work=$(mktemp -d /tmp/kalvista-check.XXXXXX)
 plain=$work/plain
@@ -114,6 +114,10 @@ demo() {
 # What has a script of its own.
 abi() { "$root/scripts/abi.sh"; }
 manual() { "$root/scripts/docs.sh"; }
+packages() {
+  "$root/scripts/package.sh"
+  "$root/scripts/package-test.sh" --staging
+}
 benchmark() { "$root/scripts/bench.sh" --quick; }
 
 run_checks() {
