@@ -15,7 +15,10 @@ namespace {
 // What a file name or a command of the library cannot hold.
 constexpr std::string_view kNotInNames = "/\\\"'`$&|;<>()*?[]{}~!#";
 
-std::string quoted(const std::string& value) { return "\"" + value + "\""; }
+std::string quoted(const std::string& value) {
+  constexpr std::size_t kMostShown = 40;
+  return "\"" + (value.size() <= kMostShown ? value : value.substr(0, kMostShown) + "...") + "\"";
+}
 
 std::string numberOf(double number) {
   if (std::floor(number) == number && std::abs(number) < 1e15) {
