@@ -143,8 +143,8 @@ class KALVISTA_API IRCalibrationManager {
   /// @param serial serial number of the camera
   /// @param list receives the missing names, each followed by ";"; null to count only
   /// @param size without `list`: receives the size that the list needs, terminator included, 0 when
-  ///             nothing is missing. With `list`: its capacity in bytes; names that do not fit are
-  ///             left out.
+  ///             nothing is missing. With `list`: its capacity in bytes; the list ends ahead of a
+  ///             name that does not fit.
   /// @param xmlPattern name of the calibration XML, a format with one integer
   /// @param dataPattern name of a data file, a format with one text
   /// @param curvePattern name of a characteristic-curve file, a format with one text

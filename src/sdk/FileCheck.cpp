@@ -33,13 +33,17 @@ bool isPresent(const char* dir, const char* name) {
   return false;
 }
 
-// A name that does not fit with its separator is left out: files may have vanished since the list
-// was counted.
-void appendToList(char* list, int size, const char* name, const char* separator) {
-  const std::size_t length = std::strlen(list) + std::strlen(name) + std::strlen(separator);
-  if (size < 1 || length >= static_cast<std::size_t>(size)) return;
-  tstrcat(list, static_cast<unsigned long>(size), name);
-  tstrcat(list, static_cast<unsigned long>(size), separator);
+// The list ends ahead of a name that does not fit with its separator, and takes no more: files may
+// have vanished since it was counted.
+void appendToList(char* list, int* size, const char* name, const char* separator) {
+  if (*size < 1) return;
+  const std::size_t used = std::strlen(list);
+  if (used + std::strlen(name) + std::strlen(separator) >= static_cast<std::size_t>(*size)) {
+    *size = static_cast<int>(used) + 1;
+    return;
+  }
+  tstrcat(list, static_cast<unsigned long>(*size), name);
+  tstrcat(list, static_cast<unsigned long>(*size), separator);
 }
 
 struct FilePatterns {
@@ -104,7 +108,7 @@ void _checkCaliFilesHelper(const char* dir, char* base, const char* pattern, cha
   tsnprintf(name.data(), name.size(), pattern, base);
   if (isPresent(dir, name.data())) return;
   if (list != nullptr) {
-    appendToList(list, *size, name.data(), ";");
+    appendToList(list, size, name.data(), ";");
   } else {
     *size += static_cast<int>(tstrlen(name.data())) + 1;
   }
@@ -114,6 +118,7 @@ bool IRCalibrationManager::checkCaliFiles(const char* dir, int serial, char* lis
                                           const char* xmlPattern, const char* dataPattern,
                                           const char* curvePattern, const char* separator) {
   const bool counting = list == nullptr;
+  int capacity = counting ? 0 : *size;
   if (counting) {
     *size = 0;
   } else if (*size > 0) {
@@ -126,13 +131,15 @@ bool IRCalibrationManager::checkCaliFiles(const char* dir, int serial, char* lis
     tsnprintf(name.data(), name.size(), xmlPattern, serial);
     if (counting) {
       *size = static_cast<int>(tstrlen(name.data())) + 2;
-    } else if (*size > 0) {
-      appendToList(list, *size, name.data(), separator);
+    } else {
+      appendToList(list, &capacity, name.data(), separator);
     }
     return false;
   }
 
-  CalibrationWalk(calibration, serial, dir, {dataPattern, curvePattern}, list, size).checkAll();
+  CalibrationWalk(calibration, serial, dir, {dataPattern, curvePattern}, list,
+                  counting ? size : &capacity)
+      .checkAll();
   if (!counting) return *size < 1 || *list == '\0';
   if (*size == 0) return true;
   ++*size;

@@ -95,6 +95,8 @@ bool ConfigPath::form(const char* dir, const char* name, const char* ext) {
   if (end == nullptr) return false;
   directoryLength_ = static_cast<std::size_t>(end - path_.data());
   appendFile(path_.data() + directoryLength_, kPathLimit, name, ext);
+  // A name that leads out of the directory is only found when the directory is there.
+  if (std::strchr(name, '/') != nullptr) makeDirectory();
   return true;
 }
 

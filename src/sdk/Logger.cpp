@@ -68,9 +68,9 @@ bool appendPlainSeconds(std::string& text, long double seconds) {
 void appendSeconds(std::string& text, long double milliseconds) {
   const long double seconds = milliseconds / 1000;
   if (appendPlainSeconds(text, seconds)) return;
-  std::array<char, 32> number{};
-  std::snprintf(number.data(), number.size(), "%Lg", seconds);
-  text.append(number.data());
+  ardo::TextComposer number;
+  number << seconds;
+  text.append(number.text());
 }
 
 std::string composeLine(std::string_view head, std::string_view source, int line,

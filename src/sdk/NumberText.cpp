@@ -1,6 +1,7 @@
 #include "sdk/NumberText.h"
 
 #include <kalvista/TextRoutines.h>
+#include <langinfo.h>
 
 #include <array>
 #include <utility>
@@ -71,6 +72,8 @@ void scan(std::string_view text, Number* value, int (*scanner)(const char*, Numb
 }
 
 }  // namespace
+
+bool isPointDecimal() { return *nl_langinfo(RADIXCHAR) == '.'; }
 
 bool readPlainNumber(std::string_view text, int* value) { return readPlainInteger(text, value); }
 bool readPlainNumber(std::string_view text, long* value) { return readPlainInteger(text, value); }

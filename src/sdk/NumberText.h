@@ -18,10 +18,13 @@ void scanNumber(std::string_view text, int* value);
 void scanNumber(std::string_view text, long* value);
 void scanNumber(std::string_view text, float* value);
 
+// The scanner follows the locale, which an application may have set since the reader was made.
+bool isPointDecimal();
+
 // The scanner's result for any text, by the shorter way where the text is plain.
 template <typename Number>
 void readNumber(std::string_view text, Number* value) {
-  if (!readPlainNumber(text, value)) scanNumber(text, value);
+  if (!isPointDecimal() || !readPlainNumber(text, value)) scanNumber(text, value);
 }
 
 }  // namespace ardo

@@ -39,10 +39,12 @@ bool mayStartDownloads(std::string_view link) {
 }
 
 bool isHonestFileName(std::string_view name) {
-  const bool actedOn = name.find_first_of("\"`$\\\n\r';|&<>()/{}*?[]#~!") != std::string_view::npos;
-  const bool bringsOption =
-      name.find(" -") != std::string_view::npos || name.find("\t-") != std::string_view::npos;
-  return !actedOn && !bringsOption;
+  if (name.find_first_of("\"`$\\\n\r';|&<>()/{*?[") != std::string_view::npos) return false;
+  const auto beginsBadWord = [](char before, char character) {
+    return (before == ' ' || before == '\t') &&
+           std::string_view("-#~").find(character) != std::string_view::npos;
+  };
+  return std::adjacent_find(name.begin(), name.end(), beginsBadWord) == name.end();
 }
 
 // Links of further elements are looked for inside the element of the link before: among siblings

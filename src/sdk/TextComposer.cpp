@@ -17,11 +17,11 @@ TextComposer& TextComposer::operator<<(const std::string& piece) {
 }
 
 // The application's own locale may have another decimal point.
-TextComposer& TextComposer::operator<<(double number) {
+TextComposer& TextComposer::operator<<(long double number) {
   std::array<char, 32> digits{};
   const locale_t plain = newlocale(LC_NUMERIC_MASK, "C", nullptr);
   const locale_t before = uselocale(plain);
-  std::snprintf(digits.data(), digits.size(), "%g", number);
+  std::snprintf(digits.data(), digits.size(), "%Lg", number);
   uselocale(before);
   freelocale(plain);
   return *this << digits.data();

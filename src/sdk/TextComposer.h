@@ -13,7 +13,7 @@ class TextComposer {
  public:
   TextComposer& operator<<(const char* piece);
   TextComposer& operator<<(const std::string& piece);
-  TextComposer& operator<<(double number);
+  TextComposer& operator<<(long double number);
 
   template <typename Integer, typename = std::enable_if_t<std::is_integral_v<Integer>>>
   TextComposer& operator<<(Integer number) {

@@ -181,18 +181,20 @@ TEST_F(OnlineRepositoryTest, OpticsTextsThatTheShellOrTheDownloaderWouldActOn) {
                              {name + "-33-wide lens-0-100.dat", "data"}});
     return download(serial).first;
   };
-  for (const char* text : {"$(touch mark)", "`touch mark`", "x|touch mark|", "x&touch mark&",
-                           "x\rtouch mark\r", "(x)", "x>mark", "<x", "'x'", "\"x\"", "\\", "../x",
-                           "x --use-askpass=program", "x\t--use-askpass=program",
-                           "x -e use_askpass=program", "x {-euse_askpass=program,y}", "x*"}) {
+  for (const char* text :
+       {"$(touch mark)", "`touch mark`", "x|touch mark|", "x&touch mark&", "x\rtouch mark\r", "(x)",
+        "x>mark", "<x", "'x'", "\"x\"", "\\", "../x", "x --use-askpass=program",
+        "x\t--use-askpass=program", "x -e use_askpass=program", "x {-euse_askpass=program,y}", "x*",
+        "x #"}) {
     EXPECT_FALSE(isStarted(text)) << text;
     EXPECT_FALSE(fs::exists("mark")) << text;
   }
   EXPECT_TRUE(isStarted("x;touch mark"));
+  EXPECT_TRUE(isStarted("No#2~!"));
   EXPECT_FALSE(fs::exists("mark"));
   // A blank ends the name that a file is stored under, not the one that the server is asked for.
   EXPECT_TRUE(isStarted("wide lens"));
-  EXPECT_EQ(support::readFile(cali_ + "/Cali-1019-33-wide"), "data");
+  EXPECT_EQ(support::readFile(cali_ + "/Cali-1021-33-wide"), "data");
 }
 
 }  // namespace
