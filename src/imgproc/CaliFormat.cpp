@@ -14,7 +14,9 @@ namespace cali {
 
 namespace {
 
-bool holdsLineEnd(std::string_view text) { return text.find_first_of("\r\n") != text.npos; }
+bool holdsLineEnd(std::string_view text) {
+  return text.find_first_of("\r\n") != std::string_view::npos;
+}
 
 template <typename Number>
 void read(Records& records, std::string_view text, Number* value) {
