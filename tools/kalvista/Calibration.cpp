@@ -210,13 +210,13 @@ Json opticsDocument(const ConfigCali& calibration) {
 std::string opticsTable(const Json& optics) {
   Table table({"FOV", "TEXT", "RANGE", "EXTENDED", "DECIMALS", "FRAME RATES"});
   for (const Json& definition : optics) {
-    const std::string text = definition["text"];
-    if (definition["ranges"].empty())
-      table.add({definition["fov"].dump(), text.empty() ? "-" : text, "none"});
+    const std::string fov = definition["fov"].dump();
+    const std::string named = definition["text"];
+    const std::string text = named.empty() ? "-" : named;
+    if (definition["ranges"].empty()) table.add({fov, text, "none"});
     for (const Json& range : definition["ranges"]) {
-      table.add({definition["fov"].dump(), text.empty() ? "-" : text, intervalText(range),
-                 intervalText(range["extended"]), range["decimals"].dump(),
-                 listText(range["framerates"])});
+      table.add({fov, text, intervalText(range), intervalText(range["extended"]),
+                 range["decimals"].dump(), listText(range["framerates"])});
     }
   }
   return table.text();
