@@ -18,7 +18,7 @@ namespace ardo {
 namespace {
 
 constexpr std::size_t kLongestLine = 4095;
-constexpr std::size_t kFixedCopy = 64;
+constexpr std::size_t kFixedCopy = 96;
 constexpr std::size_t kBlockSize = std::size_t{16} * 1024;
 
 class InputFile {
