@@ -57,6 +57,20 @@ TEST_F(Log, FileIsNamedByTheLocalTime) {
   EXPECT_THAT(log.filename + "\n", testing::AnyOf(before, outputOf(date)));
 }
 
+TEST_F(Log, LinesOfAnyLengthAreWhole) {
+  Logger& log = *Logger::getInstance();
+  log.configure("x", brivex::LOGGER_FILE_ON, 0, 0);
+  std::string message;
+  for (; message.size() < 1100; message += "y") log.print(0, message, -120, message);
+  const auto lines = linesOf(readFile(log.filename));
+  ASSERT_EQ(lines.size(), message.size());
+  for (std::size_t size = 0; size < lines.size(); ++size) {
+    const std::string text(size, 'y');
+    EXPECT_THAT(lines[size], testing::StartsWith("ERROR [" + text + ":-120] @ "));
+    EXPECT_THAT(lines[size], testing::EndsWith("s :" + text));
+  }
+}
+
 TEST_F(Log, FullDiskLosesLinesAndNothingElse) {
   if (!enterOwnNamespaces(CLONE_NEWNS) || !mountTmpfs(folder_.path(), "size=16k")) {
     GTEST_SKIP() << "only root may mount a small disk";
