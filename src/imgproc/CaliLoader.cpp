@@ -227,20 +227,19 @@ bool readRecords(Records& records, std::string_view text) {
   return !scan.lineEndInTag() && !records.lineEndInValue;
 }
 
-// Most files hold no comments and break lines between elements only. Their text serves as it is.
-bool readPlainFile(Records& records, const char* path, const char* name) {
+// Most files break lines between elements only, so that their lines need not be joined.
+bool readInLines(Records& records, const char* path, const char* name) {
   ardo::ConfigPath file;
   if (!file.form(path, name, ".xml")) return false;
-  const auto document = ardo::readDocumentText(file.text(), kRoot, ardo::LineEnds::Kept);
-  if (!document || !document->rootFound) return false;
+  ardo::TextInLines document;
+  if (!document.read(file.text(), kRoot)) return false;
   std::setlocale(LC_NUMERIC, "C");
-  return readRecords(records,
-                     {document->characters.get(), static_cast<std::size_t>(document->length)});
+  return readRecords(records, document.text());
 }
 
 std::optional<Records> readFile(const MainSection& before, const char* path, char* name) {
   std::optional<Records> records(before);
-  if (readPlainFile(*records, path, name)) return records;
+  if (readInLines(*records, path, name)) return records;
   ardo::SimpleXML document;
   if (!document.open(path, name, kRoot) || !document.hasRoot()) return std::nullopt;
   records.emplace(before);

@@ -13,6 +13,8 @@
 #include <string>
 #include <utility>
 
+#include "sdk/Comments.h"
+
 namespace ardo {
 
 namespace {
@@ -96,15 +98,6 @@ void replaceCarriageReturns(char* from, const char* end) {
   }
 }
 
-// True where two dashes, which every comment has, stand together or may do so without line ends.
-bool mayHoldComments(const char* from, const char* end) {
-  for (const char* dash = findByte(from, end, '-'); dash != end; dash = findByte(dash, end, '-')) {
-    ++dash;
-    if (dash == end || *dash == '-' || *dash == '\n') return true;
-  }
-  return false;
-}
-
 // The whole lines at the start of a text, up to one that is too long.
 std::string_view wholeLines(std::string_view text) {
   std::size_t size = 0;
@@ -115,15 +108,21 @@ std::string_view wholeLines(std::string_view text) {
   }
 }
 
-// Takes the lines of a file block by block and keeps the root's content.
+// What becomes of the line ends of a text.
+enum class LineEnds { Dropped, Kept };
+
+// Takes the lines of a file block by block and puts the root's content into a room.
 class ContentCollector {
  public:
-  ContentCollector(std::string_view root, LineEnds lineEnds, DocumentText& document)
+  // How large the room must be for the text of a file of that size.
+  static std::size_t roomFor(std::size_t fileSize) { return fileSize + 1 + kFixedCopy; }
+
+  ContentCollector(std::string_view root, LineEnds lineEnds, char* room)
       : opening_("<" + std::string(root)),
         closing_("</" + std::string(root) + ">"),
         keepsLineEnds_(lineEnds == LineEnds::Kept),
-        document_(document),
-        fill_(document.characters.get()) {}
+        room_(room),
+        fill_(room) {}
 
   // Takes the lines that end in [from, end), at the end of the file the unfinished one as well.
   // Returns the start of the line that is left over, null when the reading is over.
@@ -132,20 +131,25 @@ class ContentCollector {
       from = findByte(from, end, '<');
       started_ = from != end;
     }
-    const char* const filled = fill_;
-    from = document_.rootFound ? takeContent(from, end) : skipToRoot(from, end);
+    char* const filled = fill_;
+    from = rootFound_ ? takeContent(from, end) : skipToRoot(from, end);
     if (from != nullptr && isTooLong(from, end)) from = nullptr;
     if (from != nullptr && endOfFile && from != end) takeUnfinishedLine(from, end);
-    commentsSuspected_ = keepsLineEnds_ && mayHoldComments(filled, fill_);
-    return commentsSuspected_ ? nullptr : from;
+    if (keepsLineEnds_) {
+      *fill_ = '\0';
+      fill_ = cutter_.cut(filled, fill_);
+    }
+    return cutter_.failed() ? nullptr : from;
   }
 
-  // Only told when line ends are kept.
-  bool commentsSuspected() const { return commentsSuspected_; }
+  bool rootFound() const { return rootFound_; }
 
-  void finish() {
+  // False when the text with its line ends may not show what is comment.
+  bool commentsAreCut() const { return !cutter_.failed() && !cutter_.inComment(); }
+
+  std::string_view finish() {
     *fill_ = '\0';
-    document_.length = static_cast<std::int32_t>(fill_ - document_.characters.get());
+    return {room_, static_cast<std::size_t>(fill_ - room_)};
   }
 
  private:
@@ -166,7 +170,7 @@ class ContentCollector {
       const std::string_view line = textOf(from, lineEnd);
       from = lineEnd + 1;
       if (opening_.isIn(line)) {
-        document_.rootFound = true;
+        rootFound_ = true;
         return takeContent(from, end);
       }
     }
@@ -223,10 +227,10 @@ class ContentCollector {
   }
 
   void takeUnfinishedLine(const char* from, const char* end) {
-    if (document_.rootFound) {
+    if (rootFound_) {
       takeLine(from, end);
     } else {
-      document_.rootFound = opening_.isIn(textOf(from, end));
+      rootFound_ = opening_.isIn(textOf(from, end));
     }
   }
 
@@ -240,30 +244,18 @@ class ContentCollector {
   TextFinder opening_;
   TextFinder closing_;
   bool keepsLineEnds_;
-  DocumentText& document_;
+  char* room_;
   char* fill_;
   bool started_ = false;  // the first "<" of the file has been seen
-  bool commentsSuspected_ = false;
+  bool rootFound_ = false;
+  CommentCutter cutter_;
 };
 
-}  // namespace
-
-std::optional<DocumentText> readDocumentText(const char* file, std::string_view root,
-                                             LineEnds lineEnds) {
-  const InputFile input(file);
-  const std::optional<std::size_t> size = input.size();
-  if (!size) return std::nullopt;
-
-  DocumentText document;
-  document.characters.reset(new (std::nothrow) char[*size + 1 + kFixedCopy]);
-  if (document.characters == nullptr) return std::nullopt;
-
-  ContentCollector collector(root, lineEnds, document);
+void collect(ContentCollector& collector, const InputFile& input, std::size_t unread) {
   // Read into, so that it need not be set before.
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
   std::array<char, kBlockSize + kFixedCopy> block;
   std::size_t kept = 0;
-  std::size_t unread = *size;
   for (bool goOn = true; goOn;) {
     const std::size_t count = input.read(block.data() + kept, std::min(unread, kBlockSize - kept));
     unread -= count;
@@ -276,9 +268,42 @@ std::optional<DocumentText> readDocumentText(const char* file, std::string_view 
       std::memmove(block.data(), rest, kept);
     }
   }
-  if (collector.commentsSuspected()) return std::nullopt;
-  collector.finish();
+}
+
+std::unique_ptr<char[]> makeRoom(std::size_t size) {
+  return std::unique_ptr<char[]>(new (std::nothrow) char[size]);
+}
+
+}  // namespace
+
+std::optional<DocumentText> readDocumentText(const char* file, std::string_view root) {
+  const InputFile input(file);
+  const std::optional<std::size_t> size = input.size();
+  if (!size) return std::nullopt;
+  DocumentText document;
+  document.characters = makeRoom(ContentCollector::roomFor(*size));
+  if (document.characters == nullptr) return std::nullopt;
+
+  ContentCollector collector(root, LineEnds::Dropped, document.characters.get());
+  collect(collector, input, *size);
+  document.length = static_cast<std::int32_t>(collector.finish().size());
+  document.rootFound = collector.rootFound();
   return document;
+}
+
+bool TextInLines::read(const char* file, std::string_view root) {
+  const InputFile input(file);
+  const std::optional<std::size_t> size = input.size();
+  if (!size) return false;
+  const std::size_t room = ContentCollector::roomFor(*size);
+  if (room > small_.size()) large_ = makeRoom(room);
+  char* const characters = room > small_.size() ? large_.get() : small_.data();
+  if (characters == nullptr) return false;
+
+  ContentCollector collector(root, LineEnds::Kept, characters);
+  collect(collector, input, *size);
+  text_ = collector.finish();
+  return collector.rootFound() && collector.commentsAreCut();
 }
 
 }  // namespace ardo

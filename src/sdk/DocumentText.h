@@ -2,15 +2,14 @@
 #ifndef KALVISTA_SDK_DOCUMENT_TEXT_H
 #define KALVISTA_SDK_DOCUMENT_TEXT_H
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string_view>
 
 namespace ardo {
-
-// What becomes of the line ends of a text.
-enum class LineEnds { Dropped, Kept };
 
 struct DocumentText {
   std::unique_ptr<char[]> characters;  // zero-terminated
@@ -21,11 +20,28 @@ struct DocumentText {
 // Reads what stands strictly between the line of the root's opening tag and the line of its closing
 // tag. The text has its line feeds dropped, its carriage returns turned into line feeds, and its
 // comments kept. Nothing when the file cannot be opened, is no regular file, or has 2 GiB or more.
-//
-// With line ends kept, the same lines stand as they are. This is faster, and of use to a reader
-// that looks at the line ends itself; a text in which comments may be found is not read that way.
-std::optional<DocumentText> readDocumentText(const char* file, std::string_view root,
-                                             LineEnds lineEnds = LineEnds::Dropped);
+std::optional<DocumentText> readDocumentText(const char* file, std::string_view root);
+
+// The same lines with their ends, but without comments, for a reader that looks at the line ends
+// itself. This is faster; a text whose comments do not balance, or have a delimiter at a line end,
+// is not read that way.
+class TextInLines {
+ public:
+  TextInLines() = default;
+  TextInLines(const TextInLines&) = delete;
+  TextInLines& operator=(const TextInLines&) = delete;
+
+  // False when the text is not read that way, or there is none.
+  bool read(const char* file, std::string_view root);
+
+  // Followed by a zero byte.
+  std::string_view text() const { return text_; }
+
+ private:
+  std::array<char, std::size_t{16} * 1024> small_;  // most files take none of the heap
+  std::unique_ptr<char[]> large_;
+  std::string_view text_;
+};
 
 }  // namespace ardo
 
