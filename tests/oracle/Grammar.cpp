@@ -62,7 +62,7 @@ constexpr std::string_view kRules[] = {
     "[Lambda:$f]]]",
     "F|[Framerate:[FR:$i]]$F|[Framerate:[FR:$i]]$F",
     "s\n|\n|\n|\n|\n|\n|\n|\n|\n||\r\n|$l|$l|$l|$l|$m\n|$u",
-    "u<Tec>|<a|</|<|<FOV|<FR>|</FR>|</Optics>|<TecB>|>|<!-\n-</Main>-\n->|<!-\n-<FR>-\n->",
+    "u<Tec>|<a|</|<|<FOV|<FR>|</FR>|</Optics>|<TecB>|>|<!-\n-</Main>-\n->|<!-\n-<FR>-\n->|<\n!-- ",
 };
 
 std::string alternativeOf(char letter, ByteSource& source) {
@@ -127,8 +127,12 @@ void damage(std::string& text, ByteSource& source) {
   const std::size_t length = std::min(text.find('\n', line), text.size()) - line;
   const std::size_t wanted = source.oneIn(12) ? 4093 + source.below(5) : 0;
   if (length < wanted) text.insert(line, wanted - length, source.pick("x -<\r"sv));
-  for (std::size_t left = source.oneIn(100) ? 1550 + source.below(300) : 0; left > 0; --left) {
-    text.insert(line, "<ab>1</ab>\n");
+  if (source.oneIn(100)) {
+    const bool commented = source.oneIn(2);
+    std::string lines = commented ? "<!-- \n" : "";
+    for (std::size_t left = 750 + source.below(150); left > 0; --left)
+      lines += "<ab>1</ab><FOV>1</FOV>\n";
+    text.insert(line, lines + (commented ? " -->\n" : ""));
   }
   for (std::size_t breaks = source.oneIn(3) ? source.below(4) : 0; breaks > 0; --breaks) {
     text.insert(source.below(text.size() + 1), 1, source.pick("\n\n\n\r"sv));
