@@ -78,7 +78,7 @@ compare_documents() {
   with_tests=ON
   build_targets kalvista_differential_test
   step "Comparing on $1 random documents"
-  TMPDIR=$work "$build/tests/kalvista_differential_test" --documents="$1" --first-seed="${2:-1}"
+  TMPDIR=$work "$build/tests/oracle/kalvista_differential_test" --documents="$1" --first-seed="${2:-1}"
 }
 
 [[ ${1:-} =~ ^([0-9]+|--documents)$ ]] || die "$usage"

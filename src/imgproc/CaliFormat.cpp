@@ -8,7 +8,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "sdk/NumberText.h"
+#include "sdk/text/NumberText.h"
 
 namespace cali {
 

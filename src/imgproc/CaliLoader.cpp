@@ -18,11 +18,11 @@
 
 #include "imgproc/CaliFormat.h"
 #include "imgproc/CaliModel.h"
-#include "sdk/ConfigPath.h"
-#include "sdk/DocumentText.h"
-#include "sdk/LogMessage.h"
-#include "sdk/SimpleXMLInternals.h"
-#include "sdk/TagScanner.h"
+#include "sdk/log/LogMessage.h"
+#include "sdk/places/ConfigPath.h"
+#include "sdk/xml/DocumentText.h"
+#include "sdk/xml/SimpleXMLInternals.h"
+#include "sdk/xml/TagScanner.h"
 
 namespace cali {
 

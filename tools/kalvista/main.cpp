@@ -7,11 +7,11 @@
 #include <exception>
 #include <string_view>
 
-#include "CommandLine.h"
-#include "Console.h"
-#include "Downloader.h"
-#include "Failure.h"
-#include "Output.h"
+#include "acquisition/Downloader.h"
+#include "answer/Console.h"
+#include "answer/Failure.h"
+#include "answer/Output.h"
+#include "commands/CommandLine.h"
 
 namespace {
 

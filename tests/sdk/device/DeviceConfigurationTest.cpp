@@ -1,0 +1,33 @@
+#include "support/Transcript.h"
+
+using DeviceConfiguration = InFolder;
+
+TEST_F(DeviceConfiguration, Transcript) {
+  ardo::IRDeviceParams params{};
+  // The record prints itself, but for the last three values.
+  const auto printed = [&params] {
+    return captured(STDOUT_FILENO, [&params] { IRDeviceParams_Print(params); }) +
+           shown(params.pifOutMode, params.pifOutVoltage, params.focus);
+  };
+  Commands on;
+  on["initDefault"] = [&](auto& a) {
+    params.pifOutMode = params.pifOutVoltage = params.tMin = 7;
+    params.opticsText = a[0];
+    IRDeviceParams_InitDefault(params);
+    return printed();
+  };
+  on["read"] = [&](auto& a) {
+    const bool done = ardo::IRDeviceParamsReader::readXMLC(a[0], params);
+    const std::unique_ptr<char[]> optics(params.opticsText);
+    const std::unique_ptr<char[]> formats(params.formatsPath);
+    const std::unique_ptr<char[]> cali(params.caliPath);
+    return shown(done) + "\n" + printed();
+  };
+  on["content"] = [&](auto& a) {
+    ardo::IRLogger::setVerbosity(ardo::IRLOGGER_WARNING, ardo::IRLOGGER_OFF, nullptr);
+    a[0].text = writeFile("x.xml", "<imager>\n" + a[0].text + "\n");
+    return on["read"](a);
+  };
+  writeFile("other.xml", "<images>\n<fov>3</fov>\n");
+  runTranscript("sdk/device/device_configuration.txt", on);
+}

@@ -1,0 +1,60 @@
+#include <dlfcn.h>
+#include <sys/resource.h>
+
+#include <clocale>
+
+#include "support/Transcript.h"
+
+using Xml = InFolder;
+using ardo::SimpleXML;
+
+TEST_F(Xml, Transcript) {
+  std::setlocale(LC_ALL, "C.UTF-8");
+  SimpleXML xml;
+  EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
+  EXPECT_NE(ardo::compTokens({1, 3}, {0, 4}), ardo::compTokens({1, 4}, {0, 4}));
+  const auto open = [&xml](const char* file) {
+    if (!xml.open(file, "r") || !xml.setNode()) return "refused"s;
+    return (xml.hasRoot() ? "" : "no root") + shown(xml.buffer);
+  };
+  char* text = nullptr;
+  const auto withText = [&text](bool found) {
+    const std::unique_ptr<char[]> owned(std::exchange(text, nullptr));
+    return shown(found, shown(owned.get()));
+  };
+  Commands on;
+  on["load"] = [&](auto& a) { return open(writeFile("x.xml", a[0].text).c_str()); };
+  on["open"] = [&](auto& a) { return open(a[0]); };
+  on["openIn"] = [&](auto& a) { return shown(xml.open(a[0], a[1], "r") && xml.setNode()); };
+  on["openAsNobody"] = [&](auto& a) {
+    return shown(asUnprivilegedUser([&] { return xml.open(a[0], "r"); }));
+  };
+  on["length"] = [&](auto&) { return shown(xml.length); };
+  on["text"] = [&](auto&) { return shown(xml.buffer); };
+  on["enter"] = [&](auto& a) { return shown(xml.setNode(a[0]), xml.depth); };
+  on["enterAt"] = [&](auto& a) { return shown(xml.setNode(a[0], a[1]), xml.depth); };
+  on["leave"] = [&](auto&) { return shown(xml.resetNode(), xml.depth); };
+  on["count"] = [&](auto& a) { return shown(xml.getNodeCount(a[0])); };
+  on["find"] = [&](auto& a) { return shown(xml.getKey(a[0], a[1], a[2], a[3])); };
+  on["node"] = [&](auto&) { return withText(xml.getNode(&text)); };
+  on["string"] = [&](auto& a) { return withText(xml.getString(text = a[0], &text)); };
+  on["numbers"] = [&xml](auto& a) {
+    auto [i, l, f] = std::make_tuple(9, 9L, 9.0F);
+    const int found = xml.getInt(a[0], &i) + xml.getLong(a[0], &l) + xml.getFloat(a[0], &f);
+    return found == 3 ? shown(i, l, f) : shown(found, i, l, f);
+  };
+  on["walk"] = [&](auto& a) {
+    int i = 0;
+    while (xml.setNode(a[0], i) && xml.resetNode()) ++i;
+    return shown(i);
+  };
+  // Beyond what the process has already. The sanitizers take memory of their own.
+  on["limitMemory"] = [](auto& a) {
+    rlimit limit{};
+    getrlimit(RLIMIT_AS, &limit);
+    limit.rlim_cur = std::stoul(readFile("/proc/self/statm")) * 4096 + rlim_t{a[0]};
+    if (dlsym(RTLD_DEFAULT, "__asan_init") == nullptr) setrlimit(RLIMIT_AS, &limit);
+    return "";
+  };
+  runTranscript("sdk/xml/xml.txt", on);
+}

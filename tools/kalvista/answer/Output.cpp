@@ -1,0 +1,72 @@
+#include "answer/Output.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include "answer/Console.h"
+#include "machine/Files.h"
+
+namespace tool {
+namespace {
+
+// Characters, not bytes: continuation bytes of UTF-8 take no room.
+std::size_t width(const std::string& cell) {
+  return static_cast<std::size_t>(
+      std::count_if(cell.begin(), cell.end(), [](char byte) { return (byte & '\xC0') != '\x80'; }));
+}
+
+}  // namespace
+
+Json completeDocument(const std::string& command, const Answer& answer) {
+  Json document = {{"schema", kJsonSchemaVersion}};
+  document["command"] = command.empty() ? Json() : Json(command);
+  document["problem"] = answer.problem.empty() ? Json() : Json(answer.problem);
+  document.update(answer.document);
+  return document;
+}
+
+std::string jsonText(const Json& document) {
+  // Texts of a calibration may be in any encoding; the document stays valid UTF-8.
+  return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+void writeToStandardOutput(std::string_view text) {
+  if (writeAll(STDOUT_FILENO, text)) return;
+  throw Failure(ExitCode::CouldNot, std::string("standard output cannot be written: ") +
+                                        std::strerror(errno) + "; check where it is sent to");
+}
+
+std::string numberText(float number) {
+  std::string text = Json(number).dump();
+  const std::string_view wholeNumberEnd = ".0";
+  const std::size_t point = text.find(wholeNumberEnd);
+  if (point != std::string::npos && point + wholeNumberEnd.size() == text.size()) text.erase(point);
+  return text;
+}
+
+void Table::add(std::vector<std::string> row) {
+  for (std::string& cell : row) cell = printable(cell);
+  rows_.push_back(std::move(row));
+}
+
+std::string Table::text() const {
+  std::vector<std::size_t> widths;
+  for (const auto& row : rows_) {
+    widths.resize(std::max(widths.size(), row.size()));
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], width(row[i]));
+  }
+  std::string text;
+  for (const auto& row : rows_) {
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      text += row[i];
+      if (i + 1 < row.size()) text.append(widths[i] - width(row[i]) + 2, ' ');
+    }
+    text += '\n';
+  }
+  return text;
+}
+
+}  // namespace tool

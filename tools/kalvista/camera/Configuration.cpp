@@ -1,0 +1,84 @@
+#include "camera/Configuration.h"
+
+#include <kalvista/IRCalibrationManager.h>
+#include <kalvista/SimpleXML.h>
+
+#include <filesystem>
+
+#include "answer/Console.h"
+#include "answer/Failure.h"
+#include "camera/Calibration.h"
+#include "machine/Files.h"
+#include "machine/Paths.h"
+
+namespace tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kRoot = "imager";
+
+[[noreturn]] void failToRead(const std::string& path, const std::string& reason) {
+  throw Failure(ExitCode::CouldNot, "the file " + path + " is no device configuration: " + reason +
+                                        "; mend it, or write a new one with \"kalvista config\"");
+}
+
+}  // namespace
+
+Configuration::~Configuration() {
+  delete[] values.opticsText;
+  delete[] values.formatsPath;
+  delete[] values.caliPath;
+}
+
+std::unique_ptr<Configuration> readConfiguration(const std::string& path) {
+  requireFileReadable(path, "configuration file");
+  // Looked at before the reader, which calls every document that it refuses a missing one.
+  ardo::SimpleXML document;
+  if (!document.open(path.c_str(), kRoot)) failToRead(path, "its comments do not balance");
+  if (!document.hasRoot()) {
+    failToRead(path, std::string("it has no root element \"") + kRoot + "\"");
+  }
+  auto configuration = std::make_unique<Configuration>();
+  if (!ardo::IRDeviceParamsReader::readXML(path.c_str(), configuration->values)) {
+    failToRead(path, "it changed meanwhile");
+  }
+  return configuration;
+}
+
+std::string defaultDocument(const CommonOptions& common, unsigned long serial) {
+  if (std::error_code error; !fs::is_directory(common.calibrationDir, error)) {
+    warn("the calibration directory " + common.calibrationDir +
+         " does not exist or cannot be entered; the configuration names it all the same");
+  } else if (!loadCalibration(common.calibrationDir, serial)) {
+    warn("the calibration file " + calibrationXmlPath(common.calibrationDir, serial) +
+         " cannot be loaded, so the optics in the configuration is a placeholder");
+  }
+  return ardo::IRCalibrationManager::getInstance()->generateConfiguration(serial);
+}
+
+bool writeDocument(const std::string& path, const std::string& document, bool force) {
+  requireDirectory(parentOf(path), "directory");
+  std::error_code error;
+  const bool exists = fs::exists(path, error);
+  if (!exists && fs::is_symlink(path, error)) {
+    throw Failure(ExitCode::CouldNot, "the file " + path +
+                                          " is a link that leads nowhere; remove it, or name "
+                                          "another file");
+  }
+  // A link keeps its place, and what it leads to is replaced.
+  const std::string target = exists ? fs::canonical(path).string() : path;
+  if (exists) {
+    requireFileReadable(target, "configuration file");
+    if (readFile(target) == document) return false;
+    if (!force) {
+      throw Failure(ExitCode::CouldNot, "the file " + path +
+                                            " exists and is left as it is; overwrite it with "
+                                            "--force, or name another file");
+    }
+  }
+  writeFileWhole(target, document, force);
+  return true;
+}
+
+}  // namespace tool

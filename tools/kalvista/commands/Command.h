@@ -1,0 +1,37 @@
+// The shape of a command. One table of commands (see Commands.h) makes the parser and the help.
+#ifndef KALVISTA_TOOL_COMMAND_H
+#define KALVISTA_TOOL_COMMAND_H
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "answer/Output.h"
+#include "commands/Options.h"
+
+namespace tool {
+
+using Runner = std::function<Answer(const CommonOptions&)>;
+
+struct Command {
+  std::string name;
+  std::string summary;
+  std::string example;
+  std::function<Runner(CLI::App&)> declare;  // declares its own options and says how to run it
+};
+
+template <typename OwnOptions>
+Command makeCommand(const std::string& name, const std::string& summary, const std::string& example,
+                    void (*declare)(CLI::App&, OwnOptions&),
+                    Answer (*run)(const CommonOptions&, const OwnOptions&)) {
+  return {name, summary, example, [declare, run](CLI::App& app) -> Runner {
+            auto own = std::make_shared<OwnOptions>();
+            declare(app, *own);
+            return [own, run](const CommonOptions& common) { return run(common, *own); };
+          }};
+}
+
+}  // namespace tool
+
+#endif  // KALVISTA_TOOL_COMMAND_H

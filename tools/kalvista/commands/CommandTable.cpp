@@ -1,0 +1,11 @@
+#include "commands/Commands.h"
+
+namespace tool {
+
+std::vector<Command> allCommands() {
+  return {setupCommand(),  doctorCommand(), serialCommand(),   opticsCommand(),
+          checkCommand(),  copyCommand(),   downloadCommand(), configCommand(),
+          paramsCommand(), lintCommand(),   versionCommand(),  generateCommand()};
+}
+
+}  // namespace tool

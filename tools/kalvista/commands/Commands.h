@@ -1,0 +1,32 @@
+// The table of commands.
+#ifndef KALVISTA_TOOL_COMMANDS_H
+#define KALVISTA_TOOL_COMMANDS_H
+
+#include <string>
+#include <vector>
+
+#include "commands/Command.h"
+
+namespace tool {
+
+// In the order of the help.
+std::vector<Command> allCommands();
+
+std::string versionText();
+
+Command setupCommand();
+Command doctorCommand();
+Command serialCommand();
+Command opticsCommand();
+Command checkCommand();
+Command copyCommand();
+Command downloadCommand();
+Command configCommand();
+Command paramsCommand();
+Command lintCommand();
+Command versionCommand();
+Command generateCommand();  // not in the help
+
+}  // namespace tool
+
+#endif  // KALVISTA_TOOL_COMMANDS_H

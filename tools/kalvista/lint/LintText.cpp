@@ -1,0 +1,247 @@
+#include "lint/LintText.h"
+
+#include <algorithm>
+#include <cctype>
+#include <numeric>
+#include <utility>
+
+namespace tool {
+namespace {
+
+constexpr std::size_t kNone = std::string::npos;
+constexpr std::size_t kLongestLine = 4095;
+constexpr std::string_view kOpening = "<!--";
+constexpr std::string_view kClosing = "-->";
+
+bool isAt(std::string_view text, std::size_t at, std::string_view part) {
+  return text.compare(at, part.size(), part) == 0;
+}
+
+std::size_t lineBegin(std::string_view text, std::size_t at) {
+  const std::size_t before = at > 0 ? text.rfind('\n', at - 1) : kNone;
+  return before == kNone ? 0 : before + 1;
+}
+
+std::size_t lineEnd(std::string_view text, std::size_t at) {
+  return std::min(text.find('\n', at), text.size());
+}
+
+std::size_t findRoot(std::string_view text) {
+  for (std::size_t at = text.find('<'); at != kNone; at = text.find('<', at + 1)) {
+    if (isAt(text, at, kOpening)) {
+      at = text.find(kClosing, at);
+      if (at == kNone) return kNone;
+    } else if (at + 1 < text.size() &&
+               std::isalpha(static_cast<unsigned char>(text[at + 1])) != 0) {
+      return at;
+    }
+  }
+  return kNone;
+}
+
+std::string_view nameAt(std::string_view text, std::size_t begin) {
+  return text.substr(begin, text.find_first_of(" \t\r\n/>", begin) - begin);
+}
+
+std::size_t distance(std::string_view one, std::string_view other) {
+  std::vector<std::size_t> row(other.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < one.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i + 1);
+    for (std::size_t j = 0; j < other.size(); ++j) {
+      const std::size_t replaced = diagonal + (one[i] == other[j] ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+    }
+  }
+  return row.back();
+}
+
+std::string lowered(std::string_view name) {
+  std::string result(name);
+  std::transform(result.begin(), result.end(), result.begin(),
+                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
+  return result;
+}
+
+class TextCheck {
+ public:
+  TextCheck(const std::string& document, LintText& text, Findings& findings)
+      : document_(document), view_(text.view), findings_(findings), root_(findRoot(document)) {
+    // Neither a byte-order mark nor a declaration means anything to the reader.
+    blankOut(view_, 0, root_);
+    if (root_ != kNone) text.format = chooseFormat();
+    if (text.format != nullptr) checkAround(std::string(text.format->root));
+  }
+
+ private:
+  void report(std::size_t offset, const std::string& message) {
+    findings_.push_back({offset, std::string(nameAt(document_, root_ + 1)), message});
+  }
+
+  const Format* chooseFormat() {
+    const std::string name(nameAt(document_, root_ + 1));
+    const std::string expected = "expected imager or CaliData";
+    const std::string_view nearest = nearestOf(name, {"imager", "CaliData"});
+    if (nearest != name) {
+      report(root_, "unknown root element, " +
+                        (nearest.empty() ? expected : "expected " + std::string(nearest)));
+    }
+    if (nearest.empty()) return nullptr;
+    return nearest == "imager" ? &deviceConfigurationFormat() : &calibrationFormat();
+  }
+
+  void checkAround(const std::string& root) {
+    const std::size_t rootLineEnd = lineEnd(document_, root_);
+    const std::size_t contentBegin = std::min(rootLineEnd + 1, document_.size());
+    const std::size_t closing = document_.find("</" + root + ">", contentBegin);
+    const std::size_t contentEnd =
+        closing == kNone ? document_.size() : lineBegin(document_, closing);
+    checkFalseRoot("<" + root);
+    cutPlainComments(root_, contentBegin);
+    cutNestedComments(contentBegin, contentEnd);
+    cutPlainComments(contentEnd, document_.size());
+    checkRootLine(rootLineEnd,
+                  closing == kNone && document_.find("</" + root, root_) < rootLineEnd);
+    if (closing != kNone) {
+      reportLost(contentEnd, closing, "the line of the closing tag, which the reader drops whole");
+    }
+    checkLineLengths(closing == kNone ? document_.size() : lineEnd(document_, closing));
+    checkPlainText(contentBegin, contentEnd);
+  }
+
+  void checkFalseRoot(const std::string& opening) {
+    const std::size_t found = document_.find(opening);
+    if (found >= lineBegin(document_, root_)) return;
+    report(found, "the reader takes \"" + opening +
+                      "\" in a comment for the root, expected a comment without this text");
+  }
+
+  // Outside of the content the reader knows no comments; in XML they end at the first "-->".
+  void cutPlainComments(std::size_t from, std::size_t to) {
+    for (std::size_t at = document_.find(kOpening, from); at < to;
+         at = document_.find(kOpening, at)) {
+      const std::size_t end = document_.find(kClosing, at + kOpening.size());
+      const std::size_t next = end == kNone ? to : std::min(end + kClosing.size(), to);
+      blankOut(view_, at, next);
+      at = next;
+    }
+  }
+
+  void cutNestedComments(std::size_t from, std::size_t to) {
+    std::vector<std::size_t> open;
+    std::size_t closingFrom = from;
+    for (std::size_t at = from; at < to; ++at) {
+      if (isAt(document_, at, kOpening)) open.push_back(at);
+      if (at < closingFrom || !isAt(document_, at, kClosing)) continue;
+      closingFrom = at + kClosing.size() + 1;  // right behind one, the reader sees no second
+      if (open.empty()) {
+        report(at,
+               "\"-->\" ends no comment, the reader refuses the document, expected \"<!--\" "
+               "ahead of it");
+      }
+      const std::size_t begin = open.empty() ? at : open.back();
+      if (!open.empty()) open.pop_back();
+      if (open.empty()) blankOut(view_, begin, at + kClosing.size());
+    }
+    if (open.empty()) return;
+    blankOut(view_, open.front(), to);
+    report(open.front(),
+           "the comment does not end, the reader refuses the document, expected one "
+           "\"-->\" for each \"<!--\"");
+  }
+
+  void checkRootLine(std::size_t rootLineEnd, bool onOneLine) {
+    const std::size_t tagEnd = view_.find('>', root_);
+    if (onOneLine) {
+      report(root_,
+             "the document stands on one line, which the reader drops whole, expected the "
+             "tags of the root on lines of their own");
+    } else if (tagEnd < rootLineEnd) {
+      reportLost(tagEnd + 1, rootLineEnd,
+                 "the line of the opening tag, which the reader drops "
+                 "whole");
+    }
+  }
+
+  void reportLost(std::size_t from, std::size_t to, const std::string& where) {
+    const std::size_t ink = findInk(view_, from, to);
+    if (ink < to) report(ink, "text on " + where + ", expected it on a line of its own");
+  }
+
+  void checkLineLengths(std::size_t to) {
+    for (std::size_t begin = 0, end = 0; begin < to; begin = end + 1) {
+      end = lineEnd(document_, begin);
+      if (end - begin <= kLongestLine) continue;
+      report(begin, "a line of " + std::to_string(end - begin) +
+                        " characters, at which the reader ends the reading, expected at most " +
+                        std::to_string(kLongestLine));
+    }
+  }
+
+  void checkPlainText(std::size_t from, std::size_t to) {
+    for (std::size_t at = view_.find('\0', from); at < to; at = view_.find('\0', at)) {
+      report(at, "a zero byte, at which the reader ends the line, expected text");
+      blankOut(view_, at, lineEnd(document_, at));
+    }
+    for (std::size_t at = view_.find('&', from); at < to; at = view_.find('&', at)) {
+      const std::size_t end = view_.find_first_of(";<& ", at + 1);
+      if (end < to && view_[end] == ';') {
+        report(at, "the entity \"" + view_.substr(at, end - at + 1) +
+                       "\" is plain text to the reader, expected the character itself");
+      }
+      view_[at] = '_';  // no entity to an XML parser either
+    }
+    constexpr std::string_view characterData = "<![CDATA[";
+    for (std::size_t at = view_.find(characterData, from); at < to;
+         at = view_.find(characterData, at + 1)) {
+      report(at, "a CDATA section is plain text to the reader, expected the text itself");
+    }
+  }
+
+  const std::string& document_;
+  std::string& view_;
+  Findings& findings_;
+  std::size_t root_;
+};
+
+}  // namespace
+
+std::size_t findInk(std::string_view text, std::size_t from, std::size_t to) {
+  while (from < to && isWhite(text[from])) ++from;
+  return from;
+}
+
+void blankOut(std::string& text, std::size_t from, std::size_t to) {
+  for (std::size_t at = from; at < std::min(to, text.size()); ++at) {
+    if (text[at] != '\n') text[at] = kBlank;
+  }
+}
+
+std::string_view nearestOf(std::string_view name, const std::vector<std::string_view>& known) {
+  std::string_view nearest;
+  // Half of a name that is wrong is another name.
+  std::size_t least = std::min<std::size_t>(3, name.size() / 2) + 1;
+  for (const std::string_view candidate : known) {
+    if (candidate == name) return candidate;
+    const std::size_t difference =
+        std::max<std::size_t>(distance(lowered(name), lowered(candidate)), 1);
+    if (difference < least) {
+      least = difference;
+      nearest = candidate;
+    }
+  }
+  return nearest;
+}
+
+LintText readAsText(const std::string& document, Findings& findings) {
+  LintText text;
+  text.view = document;
+  TextCheck(document, text, findings);
+  if (text.format == nullptr && findings.empty()) {
+    findings.push_back({0, "document", "no root element, expected imager or CaliData"});
+  }
+  return text;
+}
+
+}  // namespace tool

@@ -1,0 +1,45 @@
+// What the reader does with the text of a file before it looks at elements.
+#ifndef KALVISTA_TOOL_LINT_TEXT_H
+#define KALVISTA_TOOL_LINT_TEXT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lint/LintFormat.h"
+
+namespace tool {
+
+struct Finding {
+  std::size_t offset = 0;
+  std::string path;  // of elements: "imager/temperature/min"
+  std::string message;
+};
+using Findings = std::vector<Finding>;
+
+// Takes the place of what the reader cuts out, so that all else keeps its place. White space to an
+// XML parser.
+constexpr char kBlank = '\r';
+
+constexpr bool isWhite(char character) {
+  return character == ' ' || (character >= '\t' && character <= '\r');
+}
+// From `from` on; `to` when there is only white space.
+std::size_t findInk(std::string_view text, std::size_t from, std::size_t to);
+// Line feeds stay.
+void blankOut(std::string& text, std::size_t from, std::size_t to);
+
+// The known name that the author most likely meant; empty when none is near.
+std::string_view nearestOf(std::string_view name, const std::vector<std::string_view>& known);
+
+struct LintText {
+  const Format* format = nullptr;  // null when there is no root that is known or nearly so
+  std::string view;                // the document, without comments, at the same offsets
+};
+
+LintText readAsText(const std::string& document, Findings& findings);
+
+}  // namespace tool
+
+#endif  // KALVISTA_TOOL_LINT_TEXT_H

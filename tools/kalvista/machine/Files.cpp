@@ -1,0 +1,133 @@
+#include "machine/Files.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "answer/Failure.h"
+#include "machine/Paths.h"
+
+namespace tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kWorkPrefix = ".kalvista-";
+constexpr mode_t kOrdinaryFileMode = 0666;  // less the user's mask
+constexpr mode_t kAllModes = 07777;
+constexpr mode_t kReadableByAll = 0444;
+
+[[noreturn]] void failToWrite(const std::string& path) {
+  throw Failure(ExitCode::CouldNot, "the file " + path +
+                                        " cannot be written: " + std::strerror(errno) +
+                                        "; check permissions and free space, or name another file");
+}
+
+// Gives the file its name where nothing has that name yet. File systems without hard links leave a
+// moment between the look and the renaming.
+bool nameUnlessTaken(const std::string& from, const std::string& to) {
+  if (link(from.c_str(), to.c_str()) == 0) return unlink(from.c_str()) == 0;
+  if (errno == EEXIST) return false;
+  if (access(to.c_str(), F_OK) == 0) {
+    errno = EEXIST;
+    return false;
+  }
+  return rename(from.c_str(), to.c_str()) == 0;
+}
+
+// As far as this user may give files away.
+void keepOwnerAndMode(const Descriptor& file, const struct stat& former) {
+  const bool given = fchown(file.number(), former.st_uid, former.st_gid) == 0;
+  fchmod(file.number(), former.st_mode & (given ? kAllModes : kOrdinaryFileMode));
+}
+
+bool isRunning(std::string_view processId) {
+  pid_t process = 0;
+  const char* end = processId.data() + processId.size();
+  const auto result = std::from_chars(processId.data(), end, process);
+  if (result.ec != std::errc() || result.ptr != end) return true;  // not a name of ours
+  return process == getpid() || kill(process, 0) == 0 || errno != ESRCH;
+}
+
+}  // namespace
+
+bool Descriptor::close() {
+  if (number_ < 0) return true;
+  const int number = number_;
+  number_ = -1;
+  return ::close(number) == 0;
+}
+
+std::string readFile(const std::string& path) {
+  std::error_code error;
+  if (!fs::is_regular_file(path, error)) return "";
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+bool writeAll(int descriptor, std::string_view content) {
+  while (!content.empty()) {
+    const ssize_t written = write(descriptor, content.data(), content.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    content.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+bool flushToDisk(const std::string& path) {
+  Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  return file.number() >= 0 && fsync(file.number()) == 0;
+}
+
+void letAllRead(const std::string& path) {
+  const mode_t mask = umask(0);
+  umask(mask);
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return;
+  chmod(path.c_str(), (status.st_mode | (kReadableByAll & ~mask)) & kAllModes);
+}
+
+void writeFileWhole(const std::string& path, std::string_view content, bool replace) {
+  clearLeftovers(parentOf(path));
+  const std::string work = workName(parentOf(path), "new");
+  Descriptor file(
+      open(work.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kOrdinaryFileMode));
+  if (file.number() < 0) failToWrite(path);
+  struct stat former {};
+  if (replace && stat(path.c_str(), &former) == 0) keepOwnerAndMode(file, former);
+  const bool whole =
+      writeAll(file.number(), content) && fsync(file.number()) == 0 && file.close() &&
+      (replace ? rename(work.c_str(), path.c_str()) == 0 : nameUnlessTaken(work, path));
+  if (whole) return;
+  const int reason = errno;
+  unlink(work.c_str());
+  errno = reason;
+  failToWrite(path);
+}
+
+std::string workName(const std::string& directory, const std::string& purpose) {
+  return (fs::path(directory) / kWorkPrefix).string() + purpose + "-" + std::to_string(getpid());
+}
+
+void clearLeftovers(const std::string& directory) {
+  std::error_code error;
+  for (const fs::directory_entry& entry : fs::directory_iterator(directory, error)) {
+    const std::string name = entry.path().filename().string();
+    if (name.compare(0, kWorkPrefix.size(), kWorkPrefix) != 0) continue;
+    if (!isRunning(std::string_view(name).substr(name.rfind('-') + 1))) {
+      fs::remove_all(entry.path(), error);
+    }
+  }
+}
+
+}  // namespace tool

@@ -1,0 +1,111 @@
+#include "machine/Paths.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <map>
+#include <sstream>
+
+#include "answer/Failure.h"
+
+namespace tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A word of a command may hold these only in quotes; find replaces "{}" even inside a word.
+constexpr std::string_view kShellCharacters = "\"'`$\\|&;<>()*?[]{}!";
+
+bool isSplittingOrActedOn(char character) {
+  const auto byte = static_cast<unsigned char>(character);
+  return byte <= ' ' || byte == 0x7F || kShellCharacters.find(character) != std::string_view::npos;
+}
+
+std::string describe(char character) {
+  if (character == ' ') return "a blank";
+  const auto byte = static_cast<unsigned char>(character);
+  return byte < ' ' || byte == 0x7F ? "a control character"
+                                    : std::string("the character ") + character;
+}
+
+}  // namespace
+
+std::string absolutePath(const std::string& path) {
+  fs::path result("/");
+  for (const fs::path& component : fs::absolute(path).relative_path()) {
+    if (!component.empty() && component != ".") result /= component;
+  }
+  return result.string();
+}
+
+std::string parentOf(const std::string& path) { return fs::path(path).parent_path().string(); }
+
+void requireDirectory(const std::string& path, const std::string& what) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  const bool isDirectory = fs::is_directory(status);
+  if (isDirectory && access(path.c_str(), X_OK) == 0) return;
+  if (isDirectory) error.assign(errno, std::generic_category());
+  if (isDirectory || !fs::status_known(status)) {
+    throw Failure(ExitCode::CouldNot, "the " + what + " " + path + " cannot be entered: " +
+                                          error.message() + "; check the permissions on the way");
+  }
+  throw Failure(ExitCode::CouldNot,
+                "the " + what + " " + path +
+                    (fs::exists(status) ? " is not a directory" : " does not exist") +
+                    "; check the path or create it");
+}
+
+void requireFileReadable(const std::string& path, const std::string& what) {
+  std::error_code error;
+  if (access(path.c_str(), R_OK) != 0) {
+    throw Failure(ExitCode::CouldNot, "the " + what + " " + path + " cannot be read: " +
+                                          std::strerror(errno) + "; check the path");
+  }
+  if (!fs::is_regular_file(path, error)) {
+    throw Failure(ExitCode::CouldNot,
+                  "the " + what + " " + path + " is not a file; give the path of a file");
+  }
+}
+
+void refuseShellCharacters(const std::string& path, const std::string& what) {
+  const auto offender = std::find_if(path.begin(), path.end(), isSplittingOrActedOn);
+  if (offender == path.end()) return;
+  throw Failure(ExitCode::WrongUsage,
+                "the " + what + " \"" + path + "\" holds " + describe(*offender) +
+                    ", which the command interpreter would act on; rename it or use a link to it "
+                    "with a plain name");
+}
+
+std::string findProgram(const std::string& name) {
+  if (name.find('/') != std::string::npos) return access(name.c_str(), X_OK) == 0 ? name : "";
+  const char* searchPath = std::getenv("PATH");
+  std::istringstream directories(searchPath != nullptr ? searchPath : "/usr/bin:/bin");
+  for (std::string directory; std::getline(directories, directory, ':');) {
+    std::string candidate = directory + "/" + name;
+    std::error_code error;
+    if (access(candidate.c_str(), X_OK) == 0 && fs::is_regular_file(candidate, error)) {
+      return candidate;
+    }
+  }
+  return "";
+}
+
+void requireProgram(const std::string& name) {
+  if (!findProgram(name).empty()) return;
+  throw Failure(ExitCode::CouldNot,
+                "the program " + name + " is not installed; " + installText(name));
+}
+
+std::string installText(const std::string& program) {
+  static const std::map<std::string, std::string> packages = {
+      {"find", "findutils"}, {"cp", "coreutils"}, {"/sbin/route", "net-tools"}};
+  const auto package = packages.find(program);
+  return "install the package " + (package != packages.end() ? package->second : program);
+}
+
+}  // namespace tool
