@@ -5,7 +5,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-all_checks=(plain_build library_alone format scripts tidy install memory demo abi manual packages benchmark)
+all_checks=(plain_build library_alone format floors scripts tidy install memory demo abi manual packages benchmark)
 serial=12345678
 work=$(mktemp -d /tmp/kalvista-check.XXXXXX)
 plain=$work/plain
@@ -35,6 +35,31 @@ library_alone() {
 format() {
   find "$root"/{include,src,tools,examples,tests,fuzz,bench} -name '*.h' -print0 -o -name '*.cpp' -print0 |
     xargs -0 clang-format --dry-run -Werror
+}
+
+# A floor uses itself and those before it in its house; what is joined by "|" stands side by side.
+library_floors=(sdk/text sdk/log sdk/places sdk/xml 'sdk/device|imgproc' sdk/manager)
+tool_floors=(answer machine 'camera|lint' acquisition commands)
+floors() {
+  floors_hold "$root/src" "${library_floors[@]}"
+  floors_hold "$root/tools/kalvista" "${tool_floors[@]}"
+}
+# floors_hold HOUSE FLOOR...: every include stays on its floor or goes to one before it, every file
+# has a floor, and the page of the architecture names the floors in this order.
+floors_hold() {
+  local house=$1 floor folder below='' known=() wrong
+  shift
+  for floor in "$@"; do
+    for folder in ${floor//|/ }; do
+      wrong=$(grep -rnE '^#include "' "$house/$folder" | grep -vE "\"($folder$below)/[^/\"]+\"") || true
+      if [[ -n $wrong ]]; then die "$folder may not include this: $wrong"; fi
+      known+=(-not -path "$house/$folder/*")
+      grep -qF "${house#"$root"/}/$folder/" "$root/docs/architecture.md" || die "architecture.md knows no $folder"
+    done
+    below+="|$floor"
+  done
+  wrong=$(find "$house" -mindepth 2 -name '*.[ch]*' "${known[@]}")
+  if [[ -n $wrong ]]; then die "on no floor: $wrong"; fi
 }
 
 scripts() { shellcheck -x -P "$root" "$root"/scripts/*.sh "$root/.ci/run"; }

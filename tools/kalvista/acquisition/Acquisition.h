@@ -7,7 +7,7 @@
 
 #include "answer/Output.h"
 #include "camera/Calibration.h"
-#include "commands/Options.h"
+#include "machine/CommonOptions.h"
 
 namespace tool {
 

@@ -1,7 +1,10 @@
 #include "answer/Console.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <iostream>
 
 namespace tool {
@@ -26,6 +29,16 @@ void warn(const std::string& sentence) {
 void complain(const std::string& sentence) { say(sentence); }
 
 void quote(std::string_view output) { std::cerr << output << std::flush; }
+
+bool writeAll(int descriptor, std::string_view content) {
+  while (!content.empty()) {
+    const ssize_t written = write(descriptor, content.data(), content.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    content.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
 
 std::string printable(std::string_view text) {
   std::string result(text);

@@ -19,6 +19,9 @@ void complain(const std::string& sentence);
 // What another program wrote.
 void quote(std::string_view output);
 
+// False with errno set when not all could be written.
+bool writeAll(int descriptor, std::string_view content);
+
 // Replaces control characters: names and texts come from documents, and a terminal acts on them.
 std::string printable(std::string_view text);
 

@@ -7,7 +7,6 @@
 #include <cstring>
 
 #include "answer/Console.h"
-#include "machine/Files.h"
 
 namespace tool {
 namespace {
@@ -45,6 +44,10 @@ std::string numberText(float number) {
   const std::size_t point = text.find(wholeNumberEnd);
   if (point != std::string::npos && point + wholeNumberEnd.size() == text.size()) text.erase(point);
   return text;
+}
+
+std::string countText(std::size_t count, const std::string& thing) {
+  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
 }
 
 void Table::add(std::vector<std::string> row) {

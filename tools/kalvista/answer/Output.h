@@ -37,6 +37,9 @@ void writeToStandardOutput(std::string_view text);
 // A number as a person writes it: "-20", "0.8".
 std::string numberText(float number);
 
+// "1 file", "3 files".
+std::string countText(std::size_t count, const std::string& thing);
+
 // Aligned columns, with two blanks between them.
 class Table {
  public:

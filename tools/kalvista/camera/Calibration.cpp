@@ -187,10 +187,6 @@ Answer answerOf(const CalibrationStatus& status, const std::string& directory,
   return answer;
 }
 
-std::string countText(std::size_t count, const std::string& thing) {
-  return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
-
 Json opticsDocument(const ConfigCali& calibration) {
   Json list = Json::array();
   for (int i = 0; i < calibration.opticsList->count; ++i) {

@@ -49,9 +49,6 @@ std::string lackText(const CalibrationStatus& status, const std::string& directo
 Answer answerOf(const CalibrationStatus& status, const std::string& directory,
                 unsigned long serial);
 
-// "1 file", "3 files".
-std::string countText(std::size_t count, const std::string& thing);
-
 // The optics with their ranges and frame rates, and the same as a table.
 Json opticsDocument(const ConfigCali& calibration);
 std::string opticsTable(const Json& optics);

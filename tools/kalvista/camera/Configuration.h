@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "commands/Options.h"
+#include "machine/CommonOptions.h"
 
 namespace tool {
 

@@ -127,13 +127,4 @@ CLI::Option* addTimeout(CLI::App& app, unsigned& seconds) {
       ->capture_default_str();
 }
 
-void requireCalibrationDir(const CommonOptions& common) {
-  requireDirectory(common.calibrationDir, "calibration directory");
-}
-
-void requireWorkableCalibrationDir(const CommonOptions& common) {
-  refuseShellCharacters(common.calibrationDir, "calibration directory");
-  requireCalibrationDir(common);
-}
-
 }  // namespace tool

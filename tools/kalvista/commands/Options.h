@@ -6,17 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "machine/CommonOptions.h"
+
 namespace tool {
-
-struct CommonOptions {
-  std::string calibrationDir;
-  std::string formatsDir;
-  bool json = false;
-  std::string verbosity;
-  std::string logFile;  // empty for none
-
-  bool isDebug() const { return verbosity == "debug"; }
-};
 
 // Declares the options; they are accepted before and after the name of a command.
 void addCommonOptions(CLI::App& app, CommonOptions& common);
@@ -35,11 +27,6 @@ CLI::Option* addPath(CLI::App& app, const std::string& name, std::string& path,
                      const std::string& description);
 // Time limit of a download.
 CLI::Option* addTimeout(CLI::App& app, unsigned& seconds);
-
-// The calibration directory, as one that exists.
-void requireCalibrationDir(const CommonOptions& common);
-// The same where its path reaches the command interpreter.
-void requireWorkableCalibrationDir(const CommonOptions& common);
 
 }  // namespace tool
 

@@ -13,6 +13,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "answer/Console.h"
 #include "answer/Failure.h"
 #include "machine/Paths.h"
 
@@ -72,16 +73,6 @@ std::string readFile(const std::string& path) {
   if (!fs::is_regular_file(path, error)) return "";
   std::ifstream stream(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
-bool writeAll(int descriptor, std::string_view content) {
-  while (!content.empty()) {
-    const ssize_t written = write(descriptor, content.data(), content.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
-    content.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
 }
 
 bool flushToDisk(const std::string& path) {

@@ -23,9 +23,6 @@ class Descriptor {
 
 std::string readFile(const std::string& path);  // empty when it cannot be read
 
-// False with errno set when not all could be written.
-bool writeAll(int descriptor, std::string_view content);
-
 // Forces a file that is to be renamed to the disk; false with errno set.
 bool flushToDisk(const std::string& path);
 

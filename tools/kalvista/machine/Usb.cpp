@@ -7,7 +7,7 @@
 #include <fstream>
 
 #include "answer/Failure.h"
-#include "camera/Calibration.h"
+#include "answer/Output.h"
 
 namespace tool {
 namespace {
