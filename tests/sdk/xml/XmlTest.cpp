@@ -33,6 +33,11 @@ TEST_F(Xml, Transcript) {
   on["text"] = [&](auto&) { return shown(xml.buffer); };
   on["enter"] = [&](auto& a) { return shown(xml.setNode(a[0]), xml.depth); };
   on["enterAt"] = [&](auto& a) { return shown(xml.setNode(a[0], a[1]), xml.depth); };
+  // Through n1, n2, and so on, as deep as it goes.
+  on["descend"] = [&](auto& a) {
+    while (xml.setNode((a[0].text + shown(xml.depth + 1)).c_str())) continue;
+    return shown(xml.depth);
+  };
   on["leave"] = [&](auto&) { return shown(xml.resetNode(), xml.depth); };
   on["count"] = [&](auto& a) { return shown(xml.getNodeCount(a[0])); };
   on["find"] = [&](auto& a) { return shown(xml.getKey(a[0], a[1], a[2], a[3])); };
@@ -43,10 +48,24 @@ TEST_F(Xml, Transcript) {
     const int found = xml.getInt(a[0], &i) + xml.getLong(a[0], &l) + xml.getFloat(a[0], &f);
     return found == 3 ? shown(i, l, f) : shown(found, i, l, f);
   };
-  on["walk"] = [&](auto& a) {
+  const auto countByWalking = [&xml](const char* name) {
     int i = 0;
-    while (xml.setNode(a[0], i) && xml.resetNode()) ++i;
-    return shown(i);
+    while (xml.setNode(name, i) && xml.resetNode()) ++i;
+    return i;
+  };
+  on["walk"] = [&](auto& a) { return shown(countByWalking(a[0])); };
+  // Documents that differ in the place of the root's end within a block.
+  on["blocks"] = [&](auto& a) {
+    std::string elements;
+    for (int i = 0; i < 4680; ++i) elements += "<a>123456</a>\n";
+    for (int size = 1; size <= int{a[0]}; ++size) {
+      writeFile("x.xml", "<r>\n" + elements + std::string(size, 'y') + "\n</r>\nno");
+      xml.open("x.xml", "r");
+      xml.setNode();
+      if (xml.length != 4680 * 13 + size) return shown(size, xml.length);
+      if (countByWalking("a") != 4680) return shown(size);
+    }
+    return "4680 every time"s;
   };
   // Beyond what the process has already. The sanitizers take memory of their own.
   on["limitMemory"] = [](auto& a) {
