@@ -4,19 +4,19 @@
 #include <unistd.h>
 
 #include <charconv>
-#include <limits>
 #include <map>
 
 #include "answer/Console.h"
 #include "answer/Failure.h"
 #include "machine/Paths.h"
+#include "machine/Usb.h"
 
 namespace tool {
 namespace {
 
 // The library keeps 260 characters of a directory; the name of a staging folder is added to it.
 constexpr std::size_t kLongestDirectory = 220;
-constexpr unsigned long kGreatestSerial = std::numeric_limits<int>::max();
+
 constexpr unsigned kLongestTimeout = 24 * 60 * 60;
 
 const std::map<std::string, ardo::IRLoggerVerbosityLevel>& verbosityLevels() {

@@ -15,7 +15,7 @@ Answer run(const CommonOptions&, const OwnOptions& own) {
   Answer answer;
   answer.document["serial"] = search.serial != 0 ? Json(search.serial) : Json();
   answer.document["usbDevices"] = search.devices;
-  answer.document["cameras"] = search.cameras;
+  answer.document["cameras"] = search.cameras.size();
   if (search.serial != 0) {
     answer.text = std::to_string(search.serial) + "\n";
   } else {
