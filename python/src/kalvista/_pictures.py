@@ -1,0 +1,68 @@
+"""A calibration to look at: as bars over temperature, and as a table."""
+from __future__ import annotations
+
+import html
+from typing import TYPE_CHECKING, Any
+
+if TYPE_CHECKING:
+    from ._records import Calibration, Optics, Range
+
+_HEAD = ("Optics", "Range in °C", "Extended", "Decimals", "Frame rates")
+
+
+def _extended(one: Range) -> tuple[float, float]:
+    low = one.low if one.low_extended is None else min(one.low, one.low_extended)
+    high = one.high if one.high_extended is None else max(one.high, one.high_extended)
+    return low, high
+
+
+def _optics_text(optics: Optics) -> str:
+    return f"{optics.fov}° {optics.text}".rstrip()
+
+
+def _rates_text(one: Range) -> str:
+    return ", ".join(map(str, one.frame_rates)) or "any"
+
+
+def _limit_text(limit: float | None) -> str:
+    return "-" if limit is None else f"{limit:g}"
+
+
+def plot(calibration: Calibration, axes: Any) -> Any:
+    try:
+        from matplotlib import pyplot
+    except ImportError as error:
+        raise ImportError('plot() needs matplotlib; install it with: pip install "kalvista[plot]"') from error
+    if axes is None:
+        axes = pyplot.subplots()[1]
+    rows = [(optics, one) for optics in calibration.optics for one in optics.ranges]
+    for row, (optics, one) in enumerate(rows):
+        low, high = _extended(one)
+        color = f"C{calibration.optics.index(optics)}"
+        axes.barh(row, high - low, left=low, color=color, alpha=0.35)
+        axes.barh(row, one.high - one.low, left=one.low, color=color)
+        axes.annotate(f"{_rates_text(one)} Hz", (high, row), xytext=(4, 0), textcoords="offset points", va="center")
+    axes.set_yticks(range(len(rows)), [_optics_text(optics) for optics, _ in rows])
+    axes.invert_yaxis()
+    axes.margins(x=0.2)
+    axes.set_xlabel("Temperature in °C")
+    axes.set_title(f"Calibration of camera {calibration.serial}")
+    return axes
+
+
+def html_table(calibration: Calibration) -> str:
+    rows = [
+        (
+            _optics_text(optics),
+            f"{one.low:g} to {one.high:g}",
+            f"{_limit_text(one.low_extended)} to {_limit_text(one.high_extended)}",
+            str(one.decimals),
+            _rates_text(one),
+        )
+        for optics in calibration.optics
+        for one in optics.ranges
+    ]
+    head = "".join(f"<th>{text}</th>" for text in _HEAD)
+    body = "".join(f"<tr>{''.join(f'<td>{html.escape(cell)}</td>' for cell in row)}</tr>" for row in rows)
+    caption = f"Calibration of camera {calibration.serial}"
+    return f"<table><caption>{caption}</caption><thead><tr>{head}</tr></thead><tbody>{body}</tbody></table>"
