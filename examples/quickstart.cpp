@@ -27,13 +27,14 @@ int main(int argc, char** argv) {
   ardo::IRLogger::setVerbosity(ardo::IRLOGGER_WARNING, ardo::IRLOGGER_OFF, nullptr);
   DeviceConfiguration wanted;
   if (!ardo::IRDeviceParamsReader::readXML(argv[1], wanted)) return 3;  // the log tells why
+  const auto serial = static_cast<unsigned long>(wanted.serial);
 
   std::unique_ptr<ardo::IRCalibrationManager> manager(ardo::IRCalibrationManager::getInstance());
   manager->setCalibrationDir(wanted.caliPath);  // keeps the default when the file names none
-  std::unique_ptr<char[]> missing(manager->checkCalibration(wanted.serial));
+  std::unique_ptr<char[]> missing(manager->checkCalibration(serial));
   if (missing) return stop(1, "Calibration files are missing", missing.get());
 
-  for (const ardo::IROptics& optics : *manager->getAvailableOptics(wanted.serial)) {
+  for (const ardo::IROptics& optics : *manager->getAvailableOptics(serial)) {
     std::printf("%d degrees %s\n", optics.fov, optics.text.c_str());
     for (const ardo::IRTempRange& range : optics.tempRanges) {
       std::printf("  %d to %d degrees Celsius\n", range.tMin, range.tMax);

@@ -18,7 +18,7 @@ class ByteSource {
 
   /// A number below `count`. Spent bytes give 0: what asks for choices must end on zeros.
   std::size_t below(std::size_t count) {
-    if (seeded_) return random_() % count;
+    if (seeded_) return static_cast<std::size_t>(random_() % count);
     std::size_t number = 0;
     for (std::size_t range = 1; range < count && !bytes_.empty(); range <<= 8) {
       number = number << 8 | static_cast<unsigned char>(bytes_.front());

@@ -3,6 +3,8 @@
 #include <kalvista/SimpleXML.h>
 
 #include "sdk/log/LogMessage.h"
+#include "sdk/text/NumberText.h"
+#include "sdk/xml/SimpleXMLInternals.h"
 
 namespace ardo {
 
@@ -23,9 +25,17 @@ void setReaderDefaults(IRDeviceParams& params) {
   params.pifOutVoltage = 0;
 }
 
+// As wide as the record, also where a long is not.
+void readSerial(SimpleXML& document, IRDeviceParams& params) {
+  if (!document.setNode("serial")) return;
+  long long serial = 0;
+  readNumber(SimpleXMLInternals::contentOf(document), &serial);
+  params.serial = static_cast<std::uint64_t>(serial);
+  document.resetNode();
+}
+
 void readIdentity(SimpleXML& document, IRDeviceParams& params) {
-  long serial = 0;
-  if (document.getLong("serial", &serial)) params.serial = static_cast<std::uint64_t>(serial);
+  readSerial(document, params);
   document.getInt("videoformatindex", &params.videoFormatIndex);
   document.getInt("fov", &params.fov);
   document.getString("optics_text", &params.opticsText);

@@ -4,6 +4,7 @@
 #include <langinfo.h>
 
 #include <array>
+#include <cstdio>
 #include <utility>
 
 namespace ardo {
@@ -77,10 +78,17 @@ bool isPointDecimal() { return *nl_langinfo(RADIXCHAR) == '.'; }
 
 bool readPlainNumber(std::string_view text, int* value) { return readPlainInteger(text, value); }
 bool readPlainNumber(std::string_view text, long* value) { return readPlainInteger(text, value); }
+bool readPlainNumber(std::string_view text, long long* value) {
+  return readPlainInteger(text, value);
+}
 bool readPlainNumber(std::string_view text, float* value) { return readPlainFraction(text, value); }
 
 void scanNumber(std::string_view text, int* value) { scan(text, value, _tscanfi); }
 void scanNumber(std::string_view text, long* value) { scan(text, value, _tscanfld); }
+void scanNumber(std::string_view text, long long* value) {
+  scan<long long>(text, value,
+                  [](const char* from, long long* out) { return std::sscanf(from, "%lld", out); });
+}
 void scanNumber(std::string_view text, float* value) { scan(text, value, _tscanff); }
 
 }  // namespace ardo

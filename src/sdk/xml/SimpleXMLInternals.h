@@ -14,6 +14,13 @@ struct SimpleXMLInternals {
     return {document.buffer, static_cast<std::size_t>(document.textLength_)};
   }
 
+  // The content of the current node.
+  static std::string_view contentOf(const SimpleXML& document) {
+    const int begin = document.nodeBegin[document.depth];
+    const int end = document.nodeEnd[document.depth];
+    return {document.buffer + begin, static_cast<std::size_t>(end - begin)};
+  }
+
   // Goes one level down, to the first element of that name from an offset on.
   static bool enter(SimpleXML& document, const char* name, int from, int limit);
 

@@ -154,9 +154,7 @@ namespace {
 template <typename Read>
 bool readChild(SimpleXML& document, const char* name, const Read& read) {
   if (!document.setNode(name)) return false;
-  const int begin = document.nodeBegin[document.depth];
-  const int end = document.nodeEnd[document.depth];
-  read(std::string_view(document.buffer + begin, static_cast<std::size_t>(end - begin)));
+  read(SimpleXMLInternals::contentOf(document));
   return document.resetNode();
 }
 
