@@ -18,9 +18,24 @@ namespace fs = std::filesystem;
 
 constexpr const char* kRoot = "imager";
 
-[[noreturn]] void failToRead(const std::string& path, const std::string& reason) {
-  throw Failure(ExitCode::CouldNot, "the file " + path + " is no device configuration: " + reason +
+[[noreturn]] void failToRead(const std::string& source, const std::string& reason) {
+  throw Failure(ExitCode::CouldNot, source + " is no device configuration: " + reason +
                                         "; mend it, or write a new one with \"kalvista config\"");
+}
+
+// `source` is what messages call it.
+std::unique_ptr<Configuration> readAs(const std::string& source, const std::string& path) {
+  // Looked at before the reader, which calls every document that it refuses a missing one.
+  ardo::SimpleXML document;
+  if (!document.open(path.c_str(), kRoot)) failToRead(source, "its comments do not balance");
+  if (!document.hasRoot()) {
+    failToRead(source, std::string("it has no root element \"") + kRoot + "\"");
+  }
+  auto configuration = std::make_unique<Configuration>();
+  if (!ardo::IRDeviceParamsReader::readXML(path.c_str(), configuration->values)) {
+    failToRead(source, "it changed meanwhile");
+  }
+  return configuration;
 }
 
 }  // namespace
@@ -32,18 +47,11 @@ Configuration::~Configuration() {
 }
 
 std::unique_ptr<Configuration> readConfiguration(const std::string& path) {
+  if (path == kStandardStream) {
+    return readAs("standard input", MemoryFile(readStandardInput()).path());
+  }
   requireFileReadable(path, "configuration file");
-  // Looked at before the reader, which calls every document that it refuses a missing one.
-  ardo::SimpleXML document;
-  if (!document.open(path.c_str(), kRoot)) failToRead(path, "its comments do not balance");
-  if (!document.hasRoot()) {
-    failToRead(path, std::string("it has no root element \"") + kRoot + "\"");
-  }
-  auto configuration = std::make_unique<Configuration>();
-  if (!ardo::IRDeviceParamsReader::readXML(path.c_str(), configuration->values)) {
-    failToRead(path, "it changed meanwhile");
-  }
-  return configuration;
+  return readAs("the file " + path, path);
 }
 
 std::string defaultDocument(const CommonOptions& common, unsigned long serial) {

@@ -21,7 +21,8 @@ struct Configuration {
   ardo::IRDeviceParams values{};
 };
 
-// A Failure when the file cannot be read or is no configuration.
+// Of a path or, for kStandardStream, of standard input. A Failure when that cannot be read or is no
+// configuration.
 std::unique_ptr<Configuration> readConfiguration(const std::string& path);
 
 // Warns when there is no calibration to take the optics from.

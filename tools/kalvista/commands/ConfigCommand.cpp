@@ -1,5 +1,6 @@
 #include "camera/Configuration.h"
 #include "commands/Commands.h"
+#include "machine/Files.h"
 
 namespace tool {
 namespace {
@@ -12,19 +13,21 @@ struct OwnOptions {
 
 void declare(CLI::App& app, OwnOptions& own) {
   addSerial(app, own.serial)->required();
-  addPath(app, "-o,--output", own.file, "Write to FILE instead of standard output");
+  addPathOrStream(app, "-o,--output", own.file,
+                  "Write to FILE instead of standard output, which is - as well");
   app.add_flag("--force", own.force, "Overwrite FILE when it exists with another content");
 }
 
 Answer run(const CommonOptions& common, const OwnOptions& own) {
   const std::string document = defaultDocument(common, own.serial);
+  const bool toFile = !own.file.empty() && own.file != kStandardStream;
   Answer answer;
   answer.document["serial"] = own.serial;
   answer.document["configuration"] = document;
-  answer.document["file"] = own.file.empty() ? Json() : Json(own.file);
+  answer.document["file"] = toFile ? Json(own.file) : Json();
   answer.document["changed"] = false;
   answer.text = document;
-  if (!own.file.empty()) {
+  if (toFile) {
     const bool written = writeDocument(own.file, document, own.force);
     answer.document["changed"] = written;
     answer.text = "The configuration of camera " + std::to_string(own.serial) +

@@ -14,7 +14,9 @@ struct OwnOptions {
 };
 
 void declare(CLI::App& app, OwnOptions& own) {
-  addPath(app, "FILE", own.file, "Device configuration or calibration file")->required();
+  addPathOrStream(app, "FILE", own.file,
+                  "Device configuration or calibration file, or - for standard input")
+      ->required();
 }
 
 struct Place {
@@ -33,8 +35,10 @@ Place placeOf(const std::string& document, std::size_t offset) {
 }
 
 Answer run(const CommonOptions&, const OwnOptions& own) {
-  requireFileReadable(own.file, "file");
-  const std::string document = readFile(own.file);
+  const bool fromStream = own.file == kStandardStream;
+  if (!fromStream) requireFileReadable(own.file, "file");
+  const std::string document = fromStream ? readStandardInput() : readFile(own.file);
+  const std::string shownName = fromStream ? "standard input" : own.file;
   Answer answer;
   Json findings = Json::array();
   for (const Finding& finding : lint(document)) {
@@ -49,14 +53,14 @@ Answer run(const CommonOptions&, const OwnOptions& own) {
         "\n";
   }
   const std::size_t count = findings.size();
-  answer.document["file"] = own.file;
+  answer.document["file"] = fromStream ? Json() : Json(own.file);
   answer.document["findings"] = findings;
   if (count == 0) {
-    note("the reader takes " + own.file + " as it is written");
+    note("the reader takes " + shownName + " as it is written");
   } else {
     answer.exitCode = ExitCode::AnswerIsNo;
     answer.problem = std::to_string(count) + (count == 1 ? " finding" : " findings") + " in " +
-                     own.file + "; mend what each line names";
+                     shownName + "; mend what each line names";
   }
   return answer;
 }

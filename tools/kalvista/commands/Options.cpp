@@ -8,6 +8,8 @@
 
 #include "answer/Console.h"
 #include "answer/Failure.h"
+#include "machine/Files.h"
+#include "machine/LogFile.h"
 #include "machine/Paths.h"
 #include "machine/Usb.h"
 
@@ -40,16 +42,15 @@ unsigned long parseSerial(const std::string& text) {
   return serial;
 }
 
+std::string pathFromRoot(const std::string& text) {
+  if (text.empty()) throw CLI::ValidationError("the path is empty");
+  return absolutePath(text);
+}
+
 void configureLog(const CommonOptions& common) {
   const ardo::IRLoggerVerbosityLevel level = verbosityLevels().at(common.verbosity);
-  ardo::IRLogger::setVerbosity(level, common.logFile.empty() ? ardo::IRLOGGER_OFF : level,
-                               common.logFile.c_str());
-  const brivex::Logger& log = *brivex::Logger::getInstance();
-  if (!common.logFile.empty() && !log.stream.is_open()) {
-    throw Failure(ExitCode::CouldNot, "the log file " + log.filename +
-                                          " cannot be opened; check that its directory exists and "
-                                          "that you may write there");
-  }
+  ardo::IRLogger::setVerbosity(level, ardo::IRLOGGER_OFF, common.logFile.c_str());
+  if (!common.logFile.empty()) addLogFile(*brivex::Logger::getInstance());
 }
 
 void refuseLongDirectory(const std::string& directory, const std::string& what) {
@@ -111,11 +112,15 @@ CLI::Option* addSerial(CLI::App& app, unsigned long& serial) {
 
 CLI::Option* addPath(CLI::App& app, const std::string& name, std::string& path,
                      const std::string& description) {
-  const auto fromRoot = [](const std::string& text) {
-    if (text.empty()) throw CLI::ValidationError("the path is empty");
-    return absolutePath(text);
+  return app.add_option(name, path, description)->type_name("FILE")->transform(pathFromRoot);
+}
+
+CLI::Option* addPathOrStream(CLI::App& app, const std::string& name, std::string& path,
+                             const std::string& description) {
+  const auto streamOrPath = [](const std::string& text) {
+    return text == kStandardStream ? text : pathFromRoot(text);
   };
-  return app.add_option(name, path, description)->type_name("FILE")->transform(fromRoot);
+  return app.add_option(name, path, description)->type_name("FILE")->transform(streamOrPath);
 }
 
 CLI::Option* addTimeout(CLI::App& app, unsigned& seconds) {

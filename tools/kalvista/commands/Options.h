@@ -25,6 +25,9 @@ void applyCommonOptions(const CommonOptions& common);
 CLI::Option* addSerial(CLI::App& app, unsigned long& serial);
 CLI::Option* addPath(CLI::App& app, const std::string& name, std::string& path,
                      const std::string& description);
+// A path, or kStandardStream.
+CLI::Option* addPathOrStream(CLI::App& app, const std::string& name, std::string& path,
+                             const std::string& description);
 // Time limit of a download.
 CLI::Option* addTimeout(CLI::App& app, unsigned& seconds);
 

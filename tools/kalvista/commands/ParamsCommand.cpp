@@ -1,5 +1,6 @@
 #include "camera/Configuration.h"
 #include "commands/Commands.h"
+#include "machine/Files.h"
 
 namespace tool {
 namespace {
@@ -9,7 +10,8 @@ struct OwnOptions {
 };
 
 void declare(CLI::App& app, OwnOptions& own) {
-  addPath(app, "FILE", own.file, "Device configuration file")->required();
+  addPathOrStream(app, "FILE", own.file, "Device configuration file, or - for standard input")
+      ->required();
 }
 
 Json textOrNull(const char* text) { return text != nullptr ? Json(text) : Json(); }
@@ -49,7 +51,7 @@ Answer run(const CommonOptions&, const OwnOptions& own) {
   const Json values = valuesDocument(readConfiguration(own.file)->values);
   Table table;
   for (const auto& [name, value] : values.items()) table.add({name, valueText(value)});
-  answer.document["file"] = own.file;
+  answer.document["file"] = own.file == kStandardStream ? Json() : Json(own.file);
   answer.document["params"] = values;
   answer.text = table.text();
   return answer;

@@ -2,12 +2,15 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/mman.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -26,6 +29,7 @@ constexpr std::string_view kWorkPrefix = ".kalvista-";
 constexpr mode_t kOrdinaryFileMode = 0666;  // less the user's mask
 constexpr mode_t kAllModes = 07777;
 constexpr mode_t kReadableByAll = 0444;
+constexpr std::size_t kLongestInput = 256U << 20U;
 
 [[noreturn]] void failToWrite(const std::string& path) {
   throw Failure(ExitCode::CouldNot, "the file " + path +
@@ -43,6 +47,40 @@ bool nameUnlessTaken(const std::string& from, const std::string& to) {
     return false;
   }
   return rename(from.c_str(), to.c_str()) == 0;
+}
+
+// A hidden name beside others that nobody can take beforehand.
+std::string unguessableName(const std::string& directory) {
+  std::uint64_t number = 0;
+  while (getrandom(&number, sizeof number, 0) != sizeof number) {
+  }
+  return directory + "/" + std::string(kWorkPrefix) + "new-" + std::to_string(number) + ".part";
+}
+
+// A file that is to be written and named; `name` is empty as long as it has none.
+int openNewFile(const std::string& directory, std::string* name) {
+  if (access("/proc/self/fd", X_OK) == 0) {
+    const int file = open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, kOrdinaryFileMode);
+    if (file >= 0) return file;
+  }
+  *name = unguessableName(directory);
+  return open(name->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kOrdinaryFileMode);
+}
+
+bool linkTo(const Descriptor& file, const std::string& path) {
+  return linkat(AT_FDCWD, pathOf(file).c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
+}
+
+// Nothing links over a file: what replaces one has another name for a moment.
+bool giveName(Descriptor& file, std::string* work, const std::string& path, bool replace) {
+  if (work->empty()) {
+    if (!replace) return linkTo(file, path);
+    const std::string name = unguessableName(parentOf(path));
+    if (!linkTo(file, name)) return false;
+    *work = name;
+  }
+  if (!file.close()) return false;
+  return replace ? rename(work->c_str(), path.c_str()) == 0 : nameUnlessTaken(*work, path);
 }
 
 // As far as this user may give files away.
@@ -75,6 +113,36 @@ std::string readFile(const std::string& path) {
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+std::string readStandardInput() {
+  std::string content;
+  char block[65536];
+  for (;;) {
+    const ssize_t count = read(STDIN_FILENO, block, sizeof block);
+    if (count == 0) return content;
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) {
+      throw Failure(ExitCode::CouldNot, std::string("standard input cannot be read: ") +
+                                            std::strerror(errno) + "; check where it comes from");
+    }
+    content.append(block, static_cast<std::size_t>(count));
+    if (content.size() > kLongestInput) {
+      throw Failure(ExitCode::CouldNot, "standard input is longer than " +
+                                            std::to_string(kLongestInput >> 20U) +
+                                            " MB; check where it comes from");
+    }
+  }
+}
+
+std::string pathOf(const Descriptor& file) {
+  return "/proc/self/fd/" + std::to_string(file.number());
+}
+
+MemoryFile::MemoryFile(std::string_view content) : file_(memfd_create("kalvista", MFD_CLOEXEC)) {
+  if (file_.number() >= 0 && writeAll(file_.number(), content)) return;
+  throw Failure(ExitCode::CouldNot, std::string("memory for a document cannot be had: ") +
+                                        std::strerror(errno) + "; end other programs");
+}
+
 bool flushToDisk(const std::string& path) {
   Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   return file.number() >= 0 && fsync(file.number()) == 0;
@@ -89,19 +157,17 @@ void letAllRead(const std::string& path) {
 }
 
 void writeFileWhole(const std::string& path, std::string_view content, bool replace) {
-  clearLeftovers(parentOf(path));
-  const std::string work = workName(parentOf(path), "new");
-  Descriptor file(
-      open(work.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, kOrdinaryFileMode));
+  std::string work;
+  Descriptor file(openNewFile(parentOf(path), &work));
   if (file.number() < 0) failToWrite(path);
   struct stat former {};
   if (replace && stat(path.c_str(), &former) == 0) keepOwnerAndMode(file, former);
-  const bool whole =
-      writeAll(file.number(), content) && fsync(file.number()) == 0 && file.close() &&
-      (replace ? rename(work.c_str(), path.c_str()) == 0 : nameUnlessTaken(work, path));
-  if (whole) return;
+  if (writeAll(file.number(), content) && fsync(file.number()) == 0 &&
+      giveName(file, &work, path, replace)) {
+    return;
+  }
   const int reason = errno;
-  unlink(work.c_str());
+  if (!work.empty()) unlink(work.c_str());
   errno = reason;
   failToWrite(path);
 }
