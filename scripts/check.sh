@@ -5,7 +5,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-all_checks=(plain_build library_alone format floors scripts tidy install memory demo abi manual packages benchmark)
+all_checks=(plain_build library_alone format floors share scripts tidy install memory demo abi manual packages benchmark)
 serial=12345678
 work=$(mktemp -d /tmp/kalvista-check.XXXXXX)
 plain=$work/plain
@@ -61,6 +61,17 @@ floors_hold() {
   wrong=$(find "$house" -mindepth 2 -name '*.[ch]*' "${known[@]}")
   if [[ -n $wrong ]]; then die "on no floor: $wrong"; fi
 }
+
+# Tests are a quarter to a third of the code: every line that is not blank counts, tables and
+# transcripts included; inputs that a fuzzer found do not.
+share() {
+  local tests code
+  tests=$(count_lines tests fuzz ':!fuzz/seeds')
+  code=$(count_lines include src tools python examples/'*.cpp' examples/'*.py' bench scripts cmake CMakeLists.txt .ci)
+  echo "$tests lines of tests beside $code lines of code: $((100 * tests / code)) %"
+  [[ $((100 * tests)) -le $((33 * code)) ]]
+}
+count_lines() { git -C "$root" grep -hIE '[^[:space:]]' -- "$@" | wc -l; }
 
 scripts() { shellcheck -x -P "$root" "$root"/scripts/*.sh "$root/.ci/run"; }
 

@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Plants small faults, one at a time, in a copy of the sources, and tells which ones no test sees.
+#   scripts/mutants.sh HOUSE [COUNT [SEED]]
+# HOUSE is src or tools/kalvista, COUNT how many faults that compile (150), SEED which sample (1).
+# What changes nothing that can be seen is listed with a reason in scripts/mutants-equivalent.txt.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+end_with_verdict "planted faults"
+
+house=${1:?src or tools/kalvista}
+need_packages "${build_packages[@]}" "${tool_packages[@]}" "${test_packages[@]}"
+work=$(mktemp -d /tmp/kalvista-mutants.XXXXXX)
+before_verdict() { rm -rf "$work"; }
+
+for job in $(seq "$(nproc)"); do
+  mkdir "$work/$job"
+  git -C "$root" ls-files -z | tar -C "$root" --null -T - -c | tar -C "$work/$job" -x
+  step "Building copy $job"
+  cmake -S "$work/$job" -B "$work/$job/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKALVISTA_BUILD_TESTS=ON \
+    -DKALVISTA_BUILD_EXAMPLES=OFF >"$work/$job.log"
+  cmake --build "$work/$job/build" >>"$work/$job.log" || die "the copy does not build: $(tail -5 "$work/$job.log")"
+done
+step "Planting faults in $house"
+python3 "$root/scripts/mutants.py" "$work" "$house" "${2:-150}" "${3:-1}" "$root/scripts/mutants-equivalent.txt"
