@@ -12,11 +12,11 @@ except ImportError:
 
 # The sample camera is attached, its calibration is not here yet, and 99 is a camera of nobody.
 COMMANDS = """
-version | serial | serial 99 | doctor | check 12345678 | optics 12345678 | download 12345678
+version | cameras | serial | serial 99 | doctor | check 12345678 | optics 12345678 | download 12345678
 download 99 | copy 12345678 /media/usb | copy 99 /media/usb | copy 99 nowhere | check 99 --explain
 check 12345678 --explain | optics 12345678 | config 12345678 | config 12345678 -o new.xml
 config 12345678 -o imager.xml | params imager.xml | params nowhere.xml | lint imager.xml
-lint downloadlinks.xml | lint nowhere.xml | setup | doctor 12345678
+lint downloadlinks.xml | lint nowhere.xml | setup | setup --all | doctor 12345678
 """
 
 

@@ -66,18 +66,18 @@ bool asksForJson(int argumentCount, const char* const* arguments) {
 
 ExitCode runTool(int argumentCount, const char* const* arguments) {
   tool::CommandLine commandLine;
-  std::string askedText;
+  const bool asJson = asksForJson(argumentCount, arguments);
+  Answer asked;
   try {
-    askedText = commandLine.parse(argumentCount, arguments);
+    asked.text = commandLine.parse(argumentCount, arguments);
   } catch (const Failure& failure) {
-    return deliver(commandLine, asksForJson(argumentCount, arguments),
-                   failedAnswer(failure.exitCode(), failure.what()));
+    return deliver(commandLine, asJson, failedAnswer(failure.exitCode(), failure.what()));
   }
-  if (askedText.empty()) {
+  if (asked.text.empty()) {
     return deliver(commandLine, commandLine.common().json, answerOf(commandLine));
   }
-  tool::writeToStandardOutput(askedText);
-  return ExitCode::Done;
+  asked.document["text"] = asked.text;
+  return deliver(commandLine, asJson, asked);
 }
 
 }  // namespace

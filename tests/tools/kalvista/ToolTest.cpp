@@ -103,10 +103,11 @@ TEST_F(ToolTest, SetupTwiceChangesNothing) {
 
 TEST_F(ToolTest, AttachedCamera) {
   if (!usb::makeTree()) GTEST_SKIP() << "a USB tree of its own needs root, who may mount it";
+  if (!usb::makeNodes()) GTEST_SKIP() << "device nodes of its own need overlays";
   usb::attach("1-1", {{"idVendor", "1d6b\n"}, {"idProduct", "0002\n"}});
   Commands on;
   on["attach"] = [](auto& a) {
-    usb::attach("1-2", usb::camera(a[0].text));
+    usb::attach("1-" + a[1].text, usb::camera(a[0].text, a[1].text, a.size() < 3));
     return "";
   };
   runTranscript("camera.txt", on, cameraTranscript);

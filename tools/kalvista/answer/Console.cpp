@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
+#include <cstdlib>
 #include <iostream>
 
 namespace tool {
@@ -12,7 +13,22 @@ namespace {
 
 bool isTalkative = true;
 
-void say(const std::string& sentence) { std::cerr << "kalvista: " << printable(sentence) << '\n'; }
+constexpr const char* kRed = "31";
+constexpr const char* kYellow = "33";
+
+// On a terminal only, and where the user has not said no (https://no-color.org).
+bool isColourful() {
+  const char* no = std::getenv("NO_COLOR");
+  const char* terminal = std::getenv("TERM");
+  return isatty(STDERR_FILENO) != 0 && (no == nullptr || *no == '\0') &&
+         (terminal == nullptr || std::string_view(terminal) != "dumb");
+}
+
+void say(const std::string& sentence, const char* colour = nullptr) {
+  const bool coloured = colour != nullptr && isColourful();
+  std::cerr << (coloured ? std::string("\033[") + colour + "m" : "")
+            << "kalvista: " << printable(sentence) << (coloured ? "\033[0m\n" : "\n");
+}
 
 }  // namespace
 
@@ -23,10 +39,10 @@ void note(const std::string& sentence) {
 }
 
 void warn(const std::string& sentence) {
-  if (isTalkative) say("warning: " + sentence);
+  if (isTalkative) say("warning: " + sentence, kYellow);
 }
 
-void complain(const std::string& sentence) { say(sentence); }
+void complain(const std::string& sentence) { say(sentence, kRed); }
 
 void quote(std::string_view output) { std::cerr << output << std::flush; }
 

@@ -1,10 +1,14 @@
 #include "commands/CommandLine.h"
 
+#include <algorithm>
+#include <cctype>
 #include <memory>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 #include "answer/Failure.h"
+#include "answer/Nearest.h"
 #include "commands/Commands.h"
 
 namespace tool {
@@ -24,6 +28,15 @@ std::string commonOptionsText(const CLI::App& app, const CLI::Formatter& formatt
   });
   // The group brings an empty line ahead of it, as the footer does.
   return formatter.make_group("Options of every command", false, options).substr(1) + "\n";
+}
+
+std::vector<std::string> optionNames(const CLI::App& app) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : app.get_options()) {
+    for (const std::string& name : option->get_snames()) names.push_back("-" + name);
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  }
+  return names;
 }
 
 }  // namespace
@@ -51,6 +64,7 @@ CommandLine::CommandLine() : app_(kPurpose, "kalvista") {
 }
 
 std::string CommandLine::parse(int argumentCount, const char* const* arguments) {
+  refuseUnknownOptions({arguments + std::min(argumentCount, 1), arguments + argumentCount});
   try {
     app_.parse(argumentCount, arguments);
   } catch (const CLI::ParseError& error) {
@@ -59,6 +73,37 @@ std::string CommandLine::parse(int argumentCount, const char* const* arguments) 
     throw Failure(ExitCode::WrongUsage, explain(error));
   }
   return "";
+}
+
+// Ahead of all else, since what follows a mistyped option would be taken for an argument.
+void CommandLine::refuseUnknownOptions(const std::vector<std::string>& arguments) const {
+  std::string command;
+  for (const std::string& argument : arguments) {
+    if (argument == "--") return;
+    const bool isOption = argument.size() > 1 && argument.front() == '-';
+    if (!isOption) {
+      if (command.empty() && runners_.count(argument) != 0) command = argument;
+    } else if (std::isdigit(static_cast<unsigned char>(argument[1])) == 0) {
+      refuseUnknownOption(command, argument);
+    }
+  }
+}
+
+void CommandLine::refuseUnknownOption(const std::string& command,
+                                      const std::string& argument) const {
+  const bool isLong = argument.compare(0, 2, "--") == 0;
+  const std::string name = argument.substr(0, isLong ? argument.find('=') : 2);
+  std::vector<std::string> known = optionNames(app_);
+  const CLI::App* subcommand = command.empty() ? nullptr : app_.get_subcommand(command);
+  if (subcommand != nullptr) {
+    for (std::string& option : optionNames(*subcommand)) known.push_back(std::move(option));
+  }
+  const std::string nearest(nearestOf(name, {known.begin(), known.end()}));
+  if (nearest == name) return;
+  throw Failure(ExitCode::WrongUsage,
+                (command.empty() ? "" : command + ": ") + "there is no option " + name +
+                    (nearest.empty() || !isLong ? "" : ", the nearest is " + nearest) +
+                    "; see \"kalvista " + (command.empty() ? "" : command + " ") + "--help\"");
 }
 
 std::string CommandLine::commandName() const {

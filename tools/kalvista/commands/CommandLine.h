@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "commands/Command.h"
 
@@ -37,6 +38,8 @@ class CommandLine {
   const CLI::App& description() const { return app_; }
 
  private:
+  void refuseUnknownOptions(const std::vector<std::string>& arguments) const;
+  void refuseUnknownOption(const std::string& command, const std::string& argument) const;
   std::string explain(const CLI::ParseError& error) const;
 
   CLI::App app_;

@@ -16,6 +16,7 @@ std::string versionText();
 
 Command setupCommand();
 Command doctorCommand();
+Command camerasCommand();
 Command serialCommand();
 Command opticsCommand();
 Command checkCommand();

@@ -1,4 +1,5 @@
 // The main job in one command: camera, calibration, configuration.
+#include <algorithm>
 #include <filesystem>
 
 #include "acquisition/Acquisition.h"
@@ -14,18 +15,22 @@ namespace {
 
 struct OwnOptions {
   unsigned long serial = 0;
+  bool all = false;
   std::string repository;
   std::string configuration;
   unsigned timeoutSeconds = kDefaultTimeoutSeconds;
 };
 
 void declare(CLI::App& app, OwnOptions& own) {
-  addSerial(app, own.serial);
+  CLI::Option* serial = addSerial(app, own.serial);
+  CLI::Option* all = app.add_flag("--all", own.all, "Make every attached camera ready");
   addPath(app, "--from", own.repository, "Copy from this folder instead of downloading")
       ->type_name("REPOSITORY");
-  addPath(app, "--config", own.configuration,
-          "Configuration to write when there is none; the default is config-SERIAL.xml in the "
-          "calibration directory");
+  CLI::Option* configuration =
+      addPath(app, "--config", own.configuration,
+              "Configuration to write when there is none; the default is config-SERIAL.xml in the "
+              "calibration directory, or in ~/.config/kalvista for a user who may not write there");
+  all->excludes(serial)->excludes(configuration);
   addTimeout(app, own.timeoutSeconds);
 }
 
@@ -66,19 +71,23 @@ std::string readyText(const Answer& answer, const CommonOptions& common) {
          answer.document["configuration"].get<std::string>() + " (" + changes + ").\n";
 }
 
-Answer run(const CommonOptions& common, const OwnOptions& own) {
-  unsigned long serial = own.serial;
-  if (serial == 0) {
-    const UsbSearch search = findCamera(0);
-    if (search.serial == 0) throw Failure(ExitCode::AnswerIsNo, search.problem);
-    serial = search.serial;
-    note("camera " + std::to_string(serial) + " is attached");
-  }
-  const std::string path = !own.configuration.empty() ? own.configuration
-                                                      : common.calibrationDir + "/config-" +
-                                                            std::to_string(serial) + ".xml";
+// A configuration that is there is found again by every user, whoever wrote it.
+std::string defaultConfiguration(const CommonOptions& common, unsigned long serial) {
+  const std::string name = "/config-" + std::to_string(serial) + ".xml";
+  const std::string shared = common.calibrationDir + name;
+  std::error_code error;
+  if (std::filesystem::exists(shared, error) || mayWrite(common.calibrationDir)) return shared;
+  const std::string directory = userConfigurationDir();
+  if (directory.empty()) return shared;
+  std::filesystem::create_directories(directory, error);
+  return directory + name;
+}
+
+Answer setUp(const CommonOptions& common, const OwnOptions& own, unsigned long serial) {
   // Ahead of all work, so that a path that is mistyped is named before anything is changed.
   requireCalibrationDir(common);
+  const std::string path =
+      own.configuration.empty() ? defaultConfiguration(common, serial) : own.configuration;
   requireDirectory(parentOf(path), "directory");
   if (!own.repository.empty()) requireDirectory(own.repository, "repository");
   Answer answer = answerOf(completeCalibration(common, own, serial), common, serial);
@@ -96,6 +105,56 @@ Answer run(const CommonOptions& common, const OwnOptions& own) {
   answer.document["configuration"] = path;
   answer.text = opticsTable(answer.document["optics"]) + readyText(answer, common);
   return answer;
+}
+
+// One that fails does not keep the others from being made ready.
+Answer setUpEach(const CommonOptions& common, const OwnOptions& own,
+                 const std::vector<unsigned long>& serials) {
+  Answer all;
+  Json documents = Json::array();
+  for (const unsigned long serial : serials) {
+    Answer one;
+    try {
+      one = setUp(common, own, serial);
+    } catch (const Failure& failure) {
+      one.exitCode = failure.exitCode();
+      one.problem = failure.what();
+    }
+    one.document["serial"] = serial;
+    one.document["problem"] = one.problem.empty() ? Json() : Json(one.problem);
+    documents.push_back(one.document);
+    all.text += one.text;
+    all.exitCode = std::max(all.exitCode, one.exitCode);
+    if (!one.problem.empty()) all.problem += (all.problem.empty() ? "" : "; ") + one.problem;
+  }
+  all.document["cameras"] = documents;
+  return all;
+}
+
+std::string listed(const std::vector<unsigned long>& serials) {
+  std::string text;
+  for (const unsigned long serial : serials) {
+    text += (text.empty() ? "" : ", ") + std::to_string(serial);
+  }
+  return text;
+}
+
+Answer run(const CommonOptions& common, const OwnOptions& own) {
+  if (own.serial != 0) return setUp(common, own, own.serial);
+  const UsbSearch search = findCamera(0);
+  if (search.serial == 0) throw Failure(ExitCode::AnswerIsNo, search.problem);
+  for (const Camera& camera : search.cameras) {
+    if (!camera.hasUsableSerial()) warn(serialProblem(camera));
+  }
+  const std::vector<unsigned long> serials = usableSerials(search.cameras);
+  if (own.all) return setUpEach(common, own, serials);
+  if (serials.size() > 1) {
+    throw Failure(ExitCode::AnswerIsNo,
+                  countText(serials.size(), "camera") + " are attached: " + listed(serials) +
+                      "; give the number of one, or make all ready with \"kalvista setup --all\"");
+  }
+  note("camera " + std::to_string(search.serial) + " is attached");
+  return setUp(common, own, search.serial);
 }
 
 }  // namespace

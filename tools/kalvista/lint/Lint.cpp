@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "answer/Nearest.h"
 #include "lint/LintTree.h"
 #include "lint/LintValues.h"
 

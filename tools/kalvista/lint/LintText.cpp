@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
-#include <numeric>
-#include <utility>
+
+#include "answer/Nearest.h"
 
 namespace tool {
 namespace {
@@ -41,27 +41,6 @@ std::size_t findRoot(std::string_view text) {
 
 std::string_view nameAt(std::string_view text, std::size_t begin) {
   return text.substr(begin, text.find_first_of(" \t\r\n/>", begin) - begin);
-}
-
-std::size_t distance(std::string_view one, std::string_view other) {
-  std::vector<std::size_t> row(other.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 0; i < one.size(); ++i) {
-    std::size_t diagonal = std::exchange(row[0], i + 1);
-    for (std::size_t j = 0; j < other.size(); ++j) {
-      const std::size_t replaced = diagonal + (one[i] == other[j] ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
-    }
-  }
-  return row.back();
-}
-
-std::string lowered(std::string_view name) {
-  std::string result(name);
-  std::transform(result.begin(), result.end(), result.begin(),
-                 [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-  return result;
 }
 
 class TextCheck {
@@ -216,22 +195,6 @@ void blankOut(std::string& text, std::size_t from, std::size_t to) {
   for (std::size_t at = from; at < std::min(to, text.size()); ++at) {
     if (text[at] != '\n') text[at] = kBlank;
   }
-}
-
-std::string_view nearestOf(std::string_view name, const std::vector<std::string_view>& known) {
-  std::string_view nearest;
-  // Half of a name that is wrong is another name.
-  std::size_t least = std::min<std::size_t>(3, name.size() / 2) + 1;
-  for (const std::string_view candidate : known) {
-    if (candidate == name) return candidate;
-    const std::size_t difference =
-        std::max<std::size_t>(distance(lowered(name), lowered(candidate)), 1);
-    if (difference < least) {
-      least = difference;
-      nearest = candidate;
-    }
-  }
-  return nearest;
 }
 
 LintText readAsText(const std::string& document, Findings& findings) {

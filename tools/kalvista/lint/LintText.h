@@ -30,9 +30,6 @@ std::size_t findInk(std::string_view text, std::size_t from, std::size_t to);
 // Line feeds stay.
 void blankOut(std::string& text, std::size_t from, std::size_t to);
 
-// The known name that the author most likely meant; empty when none is near.
-std::string_view nearestOf(std::string_view name, const std::vector<std::string_view>& known);
-
 struct LintText {
   const Format* format = nullptr;  // null when there is no root that is known or nearly so
   std::string view;                // the document, without comments, at the same offsets

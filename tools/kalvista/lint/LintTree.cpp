@@ -6,6 +6,8 @@
 #include <memory>
 #include <utility>
 
+#include "answer/Nearest.h"
+
 namespace tool {
 namespace {
 

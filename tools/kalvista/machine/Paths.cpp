@@ -35,8 +35,15 @@ std::string describe(char character) {
 }  // namespace
 
 std::string absolutePath(const std::string& path) {
+  std::error_code error;
+  const fs::path full = fs::absolute(path, error);
+  if (error) {
+    throw Failure(ExitCode::CouldNot, "the path " + path + " leads from a working directory that " +
+                                          "is not there any more: " + error.message() +
+                                          "; change to another one, or give paths from /");
+  }
   fs::path result("/");
-  for (const fs::path& component : fs::absolute(path).relative_path()) {
+  for (const fs::path& component : full.relative_path()) {
     if (!component.empty() && component != ".") result /= component;
   }
   return result.string();
@@ -70,6 +77,19 @@ void requireFileReadable(const std::string& path, const std::string& what) {
     throw Failure(ExitCode::CouldNot,
                   "the " + what + " " + path + " is not a file; give the path of a file");
   }
+}
+
+bool mayWrite(const std::string& directory) { return access(directory.c_str(), W_OK | X_OK) == 0; }
+
+std::string userConfigurationDir() {
+  const auto absoluteFrom = [](const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr && *value == '/' ? std::string(value) : "";
+  };
+  std::string directory = absoluteFrom("XDG_CONFIG_HOME");
+  if (directory.empty() && !absoluteFrom("HOME").empty())
+    directory = absoluteFrom("HOME") + "/.config";
+  return directory.empty() ? "" : absolutePath(directory + "/kalvista");
 }
 
 void refuseShellCharacters(const std::string& path, const std::string& what) {

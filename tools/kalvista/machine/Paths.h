@@ -15,6 +15,10 @@ std::string parentOf(const std::string& path);
 // Each requirement is a Failure when it is not met; `what` names the path's part in the sentence.
 void requireDirectory(const std::string& path, const std::string& what);
 void requireFileReadable(const std::string& path, const std::string& what);
+bool mayWrite(const std::string& directory);  // create files in it, that is
+// Where this user keeps configurations of this tool; empty for a user without a home. It may not
+// exist yet.
+std::string userConfigurationDir();
 // The library hands some paths to the command interpreter without quotes.
 void refuseShellCharacters(const std::string& path, const std::string& what);
 
