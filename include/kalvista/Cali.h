@@ -135,7 +135,7 @@ class KALVISTA_API ConfigCali {
   /// Tells whether the calibration of this camera is loaded.
   /// @param serial serial number of the camera
   /// @return true when it is
-  bool isLoaded(int serial);
+  bool isLoaded(int serial) const;
 
   /// Loads the file "Cali-<serial>.xml" of a directory, which is made when it does not exist.
   ///
@@ -151,94 +151,94 @@ class KALVISTA_API ConfigCali {
 
   /// Counts the optics.
   /// @return the count
-  int getOpticsCount();
+  int getOpticsCount() const;
   /// Finds an optics by the strict rule.
   /// @param key field of view and text
   /// @return its index; -1 when not found
-  int getOpticsIndex(OPTICS* key);
+  int getOpticsIndex(OPTICS* key) const;
   /// Finds an optics by the lenient rule.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
   /// @return its index; -1 when not found
-  int getOpticsIndex(int fov, char* text);
+  int getOpticsIndex(int fov, char* text) const;
   /// Gives the key of an optics.
   /// @param index from 0, below getOpticsCount()
   /// @return new record whose text is the model's own; null when not found
-  OPTICS* getOptics(int index);
+  OPTICS* getOptics(int index) const;
 
   /// Counts the temperature ranges of an optics.
   /// @param optics key
   /// @return the count; -1 when not found
-  int getTempRangeCount(OPTICS* optics);
+  int getTempRangeCount(OPTICS* optics) const;
   /// Counts the temperature ranges of an optics.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
   /// @return the count; -1 when not found
-  int getTempRangeCount(int fov, char* text);
+  int getTempRangeCount(int fov, char* text) const;
   /// Finds a temperature range.
   /// @param optics key
   /// @param range key
   /// @return its index; -1 when not found
-  int getTempRangeIndex(OPTICS* optics, Range* range);
+  int getTempRangeIndex(OPTICS* optics, Range* range) const;
   /// Finds a temperature range.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
   /// @param tMin, tMax ends of the range, in °C
   /// @return its index; -1 when not found
-  int getTempRangeIndex(int fov, char* text, float tMin, float tMax);
+  int getTempRangeIndex(int fov, char* text, float tMin, float tMax) const;
   /// Gives a temperature range.
   /// @param optics key
   /// @param index from 0, below getTempRangeCount()
   /// @return new record; null when not found
-  Range* getTempRange(OPTICS* optics, int index);
+  Range* getTempRange(OPTICS* optics, int index) const;
   /// Gives a temperature range.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
   /// @param index from 0, below getTempRangeCount()
   /// @return new record; null when not found
-  Range* getTempRange(int fov, char* text, int index);
+  Range* getTempRange(int fov, char* text, int index) const;
   /// Gives the extended interval of a temperature range.
   /// @copydetails getTempRange(OPTICS*, int)
-  Range* getExtendedTempRange(OPTICS* optics, int index);
+  Range* getExtendedTempRange(OPTICS* optics, int index) const;
   /// Gives the extended interval of a temperature range.
   /// @copydetails getTempRange(int, char*, int)
-  Range* getExtendedTempRange(int fov, char* text, int index);
+  Range* getExtendedTempRange(int fov, char* text, int index) const;
   /// Gives the extended interval of a temperature range.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
   /// @param tMin, tMax ends of the range, in °C
   /// @return new record; null when not found
-  Range* getExtendedTempRange(int fov, char* text, float tMin, float tMax);
+  Range* getExtendedTempRange(int fov, char* text, float tMin, float tMax) const;
   /// Gives the interval from the lowest to the highest temperature of an optics.
   /// @param optics key
   /// @return new record, 1000000 to -1000000 for an optics without ranges; null when not found
-  Range* getTempRangeOverAll(OPTICS* optics);
+  Range* getTempRangeOverAll(OPTICS* optics) const;
   /// Gives the interval from the lowest to the highest temperature of all optics.
   /// @return new record, 1000000 to -1000000 when there are no ranges
-  Range* getTempRangeOverAll();
+  Range* getTempRangeOverAll() const;
 
   /// Counts the calibrated frame rates of a range.
   /// @param optics, range keys
   /// @return the count; -1 when not found
-  int getFramerateCount(OPTICS* optics, Range* range);
+  int getFramerateCount(OPTICS* optics, Range* range) const;
   /// Finds a frame rate of a range.
   /// @param optics, range keys
   /// @param fr frame rate, in frames per second
   /// @return its index; -1 when the optics or the range is not found or the range has no array of
   ///         frame rates; -2 when the range lists none or not this one
-  int getFramerateIndex(OPTICS* optics, Range* range, unsigned short fr);
+  int getFramerateIndex(OPTICS* optics, Range* range, unsigned short fr) const;
   /// Finds a frame rate of a range.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
   /// @param tMin, tMax ends of the range, in °C
   /// @param fr frame rate, in frames per second
   /// @return as getFramerateIndex(OPTICS*, Range*, unsigned short)
-  int getFramerateIndex(int fov, char* text, float tMin, float tMax, unsigned short fr);
+  int getFramerateIndex(int fov, char* text, float tMin, float tMax, unsigned short fr) const;
   /// Gives a frame rate of a range.
   /// @param optics, range keys
   /// @param index from 0, below getFramerateCount()
   /// @return frame rate, in frames per second; 0 when not found
-  unsigned short getFramerate(OPTICS* optics, Range* range, int index);
+  unsigned short getFramerate(OPTICS* optics, Range* range, int index) const;
   /// Checks whether a range is calibrated for a frame rate.
   ///
   /// A range that lists no frame rates is calibrated for none in particular: the frame rate 0 names
@@ -246,14 +246,14 @@ class KALVISTA_API ConfigCali {
   /// @param optics, range keys
   /// @param fr frame rate, in frames per second; set to 0 when it is not one of the range's
   /// @return false when the range lists frame rates, but not this one
-  bool checkFramerate(OPTICS* optics, Range* range, unsigned short& fr);
+  bool checkFramerate(OPTICS* optics, Range* range, unsigned short& fr) const;
   /// Checks whether a range is calibrated for a frame rate.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
   /// @param tMin, tMax ends of the range, in °C
   /// @param fr frame rate, in frames per second; set to 0 when it is not one of the range's
   /// @return as checkFramerate(OPTICS*, Range*, unsigned short&)
-  bool checkFramerate(int fov, char* text, float tMin, float tMax, unsigned short& fr);
+  bool checkFramerate(int fov, char* text, float tMin, float tMax, unsigned short& fr) const;
 
   /// Gives the decimals of a range's temperatures. The optics is found by the lenient rule, the
   /// index of the range by the strict one.
@@ -261,7 +261,7 @@ class KALVISTA_API ConfigCali {
   /// @param text text; may be null
   /// @param tMin, tMax ends of the range, in °C
   /// @return number of decimals; 0 when not found
-  unsigned short getTempRangeDecimal(int fov, char* text, float tMin, float tMax);
+  unsigned short getTempRangeDecimal(int fov, char* text, float tMin, float tMax) const;
 
   /// Forms the base name of a calibration file, such as "1234-33-T-M20-100-32": serial, field of
   /// view, text, both temperatures cut toward zero ("M" for those below 0), frame rate.
@@ -275,7 +275,7 @@ class KALVISTA_API ConfigCali {
   /// @param size capacity in bytes, terminator included
   /// @return false, with nothing written, when `size` is below 1 or `out` is null
   bool caliFilenameString(int serial, int fov, char* text, float tMin, float tMax,
-                          unsigned short fr, char* out, int size);
+                          unsigned short fr, char* out, int size) const;
   /// Forms the base name of a calibration file.
   /// @param serial serial number of the camera
   /// @param fov field of view, in degrees
@@ -286,7 +286,7 @@ class KALVISTA_API ConfigCali {
   /// @param size capacity in bytes, terminator included
   /// @return false, with nothing written, when `size` is below 1 or `out` or `range` is null
   bool caliFilenameString(int serial, int fov, char* text, Range* range, unsigned short fr,
-                          char* out, int size);
+                          char* out, int size) const;
 
   MainSection* mainSection = nullptr;  ///< device constants; owned
   OpticsList* opticsList = nullptr;    ///< the optics; owned

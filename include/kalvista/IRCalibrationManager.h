@@ -52,10 +52,10 @@ class KALVISTA_API IRCalibrationManager {
   void setFormatsDir(const char* dir);
   /// Gives the calibration directory.
   /// @return the manager's own zero-terminated text; valid until the manager is destroyed
-  char* getCalibrationDir();
+  char* getCalibrationDir() const;
   /// Gives the formats directory.
   /// @return the manager's own zero-terminated text; valid until the manager is destroyed
-  char* getFormatsDir();
+  char* getFormatsDir() const;
 
   /// Forms the path of a file in a directory, and makes the directory (its last component only)
   /// when it does not exist. A directory that cannot be made is not reported: the file will be

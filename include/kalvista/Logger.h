@@ -12,13 +12,20 @@
 
 namespace brivex {
 
-/// Sinks of the log; values are added up. Only the two "on" bits are tested.
+/// Sinks of the log, joined by "|". Only the two "on" bits are tested.
 enum loggerConf_ : std::int32_t {
   LOGGER_FILE_ON = 1,      ///< write to the log file
   LOGGER_FILE_OFF = 2,     ///< carried for the caller's benefit
   LOGGER_CONSOLE_ON = 4,   ///< write to standard error
   LOGGER_CONSOLE_OFF = 8,  ///< carried for the caller's benefit
 };
+
+/// Joins two sinks.
+/// @param a, b sinks
+/// @return both of them
+constexpr loggerConf_ operator|(loggerConf_ a, loggerConf_ b) {
+  return static_cast<loggerConf_>(static_cast<std::int32_t>(a) | static_cast<std::int32_t>(b));
+}
 
 /// The process-wide log: each message becomes one line in a log file, on standard error, or both,
 /// each sink with its own threshold.

@@ -86,13 +86,13 @@ class KALVISTA_API SimpleXML {
   /// setNode(const char*, int) does not enter it.
   /// @param name element name
   /// @return the count; 0 when there is none
-  int getNodeCount(const char* name);
+  int getNodeCount(const char* name) const;
 
   /// Copies the content of the current element.
   /// @param out receives a zero-terminated text that the caller releases with `delete[]`; untouched
   ///            when the content is empty
   /// @return false when the content is empty
-  bool getNode(char** out);
+  bool getNode(char** out) const;
 
   /// Searches a tag.
   /// @param name element name
@@ -100,7 +100,7 @@ class KALVISTA_API SimpleXML {
   /// @param limit offset that the tag must start before
   /// @param closing true for "</name>", false for "<name>"
   /// @return offset of the closing tag, or offset just past the opening tag; -1 when not found
-  int getKey(const char* name, int from, int limit, bool closing);
+  int getKey(const char* name, int from, int limit, bool closing) const;
 
   /// Reads the first child of that name as an integer: decimal, hexadecimal ("0x10") or octal
   /// ("010" is 8).

@@ -47,7 +47,7 @@ class BoundedText {
 }  // namespace
 
 bool ConfigCali::caliFilenameString(int serialNumber, int fov, char* text, float tMin, float tMax,
-                                    unsigned short fr, char* out, int size) {
+                                    unsigned short fr, char* out, int size) const {
   if (out == nullptr || size < 1) return false;
   BoundedText name(out, static_cast<std::size_t>(size));
   name.appendNumber(serialNumber).append("-").appendNumber(fov);
@@ -58,7 +58,7 @@ bool ConfigCali::caliFilenameString(int serialNumber, int fov, char* text, float
 }
 
 bool ConfigCali::caliFilenameString(int serialNumber, int fov, char* text, Range* range,
-                                    unsigned short fr, char* out, int size) {
+                                    unsigned short fr, char* out, int size) const {
   if (range == nullptr) return false;
   return caliFilenameString(serialNumber, fov, text, range->TempLo, range->TempHi, fr, out, size);
 }

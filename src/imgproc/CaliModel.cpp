@@ -118,4 +118,4 @@ ConfigCali::ConfigCali() { cali::resetModel(*this); }
 
 ConfigCali::~ConfigCali() { cali::releaseModel(*this); }
 
-bool ConfigCali::isLoaded(int wanted) { return loaded && serial == wanted; }
+bool ConfigCali::isLoaded(int wanted) const { return loaded && serial == wanted; }

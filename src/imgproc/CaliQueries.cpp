@@ -21,7 +21,7 @@ int indexOf(Record* const* records, int count, Matches matches) {
 
 bool isIndex(int index, int count) { return index >= 0 && index < count; }
 
-OpticsDef* findOptics(ConfigCali& calibration, OPTICS* key) {
+OpticsDef* findOptics(const ConfigCali& calibration, OPTICS* key) {
   const int index = calibration.getOpticsIndex(key);
   return index == kNotFound ? nullptr : calibration.opticsList->items[index];
 }
@@ -32,12 +32,12 @@ int indexOfRange(const OpticsDef& optics, const Range& key) {
   });
 }
 
-TemperatureRange* findRange(ConfigCali& calibration, OPTICS* optics, Range* range) {
+TemperatureRange* findRange(const ConfigCali& calibration, OPTICS* optics, Range* range) {
   const int index = calibration.getTempRangeIndex(optics, range);
   return index == kNotFound ? nullptr : findOptics(calibration, optics)->ranges[index];
 }
 
-TemperatureRange* rangeAt(ConfigCali& calibration, OPTICS* key, int index) {
+TemperatureRange* rangeAt(const ConfigCali& calibration, OPTICS* key, int index) {
   const OpticsDef* optics = findOptics(calibration, key);
   if (optics == nullptr || !isIndex(index, optics->rangeCount)) return nullptr;
   return optics->ranges[index];
@@ -57,9 +57,9 @@ Range* newRange(const Range& range) { return new (std::nothrow) Range(range); }
 
 }  // namespace
 
-int ConfigCali::getOpticsCount() { return opticsList->count; }
+int ConfigCali::getOpticsCount() const { return opticsList->count; }
 
-int ConfigCali::getOpticsIndex(OPTICS* key) {
+int ConfigCali::getOpticsIndex(OPTICS* key) const {
   if (key == nullptr) return kNotFound;
   const std::string_view text = textOrEmpty(key->Text);
   return indexOf(opticsList->items, opticsList->count, [&](const OpticsDef* optics) {
@@ -67,7 +67,7 @@ int ConfigCali::getOpticsIndex(OPTICS* key) {
   });
 }
 
-int ConfigCali::getOpticsIndex(int fov, char* keyText) {
+int ConfigCali::getOpticsIndex(int fov, char* keyText) const {
   const std::string_view text = textOrEmpty(keyText);
   return indexOf(opticsList->items, opticsList->count, [&](const OpticsDef* optics) {
     const std::string_view own = textOrEmpty(optics->Text);
@@ -75,59 +75,59 @@ int ConfigCali::getOpticsIndex(int fov, char* keyText) {
   });
 }
 
-OPTICS* ConfigCali::getOptics(int index) {
+OPTICS* ConfigCali::getOptics(int index) const {
   if (!isIndex(index, opticsList->count)) return nullptr;
   const OpticsDef& optics = *opticsList->items[index];
   return new (std::nothrow) OPTICS{optics.FOV, optics.Text};
 }
 
-int ConfigCali::getTempRangeCount(OPTICS* key) {
+int ConfigCali::getTempRangeCount(OPTICS* key) const {
   const OpticsDef* optics = findOptics(*this, key);
   return optics != nullptr ? optics->rangeCount : kNotFound;
 }
 
-int ConfigCali::getTempRangeCount(int fov, char* text) {
+int ConfigCali::getTempRangeCount(int fov, char* text) const {
   OPTICS key{fov, text};
   return getTempRangeCount(&key);
 }
 
-int ConfigCali::getTempRangeIndex(OPTICS* key, Range* range) {
+int ConfigCali::getTempRangeIndex(OPTICS* key, Range* range) const {
   const OpticsDef* optics = findOptics(*this, key);
   if (optics == nullptr || range == nullptr) return kNotFound;
   return indexOfRange(*optics, *range);
 }
 
-int ConfigCali::getTempRangeIndex(int fov, char* text, float tMin, float tMax) {
+int ConfigCali::getTempRangeIndex(int fov, char* text, float tMin, float tMax) const {
   OPTICS key{fov, text};
   Range range{tMin, tMax};
   return getTempRangeIndex(&key, &range);
 }
 
-Range* ConfigCali::getTempRange(OPTICS* key, int index) {
+Range* ConfigCali::getTempRange(OPTICS* key, int index) const {
   const TemperatureRange* range = rangeAt(*this, key, index);
   return range != nullptr ? newRange({range->TempLo, range->TempHi}) : nullptr;
 }
 
-Range* ConfigCali::getTempRange(int fov, char* text, int index) {
+Range* ConfigCali::getTempRange(int fov, char* text, int index) const {
   OPTICS key{fov, text};
   return getTempRange(&key, index);
 }
 
-Range* ConfigCali::getExtendedTempRange(OPTICS* key, int index) {
+Range* ConfigCali::getExtendedTempRange(OPTICS* key, int index) const {
   const TemperatureRange* range = rangeAt(*this, key, index);
   return range != nullptr ? newRange({range->TempLoExt, range->TempHiExt}) : nullptr;
 }
 
-Range* ConfigCali::getExtendedTempRange(int fov, char* text, int index) {
+Range* ConfigCali::getExtendedTempRange(int fov, char* text, int index) const {
   OPTICS key{fov, text};
   return getExtendedTempRange(&key, index);
 }
 
-Range* ConfigCali::getExtendedTempRange(int fov, char* text, float tMin, float tMax) {
+Range* ConfigCali::getExtendedTempRange(int fov, char* text, float tMin, float tMax) const {
   return getExtendedTempRange(fov, text, getTempRangeIndex(fov, text, tMin, tMax));
 }
 
-Range* ConfigCali::getTempRangeOverAll(OPTICS* key) {
+Range* ConfigCali::getTempRangeOverAll(OPTICS* key) const {
   const OpticsDef* optics = findOptics(*this, key);
   if (optics == nullptr) return nullptr;
   Range overAll = kNoRange;
@@ -135,19 +135,19 @@ Range* ConfigCali::getTempRangeOverAll(OPTICS* key) {
   return newRange(overAll);
 }
 
-Range* ConfigCali::getTempRangeOverAll() {
+Range* ConfigCali::getTempRangeOverAll() const {
   Range overAll = kNoRange;
   std::for_each(opticsList->items, opticsList->items + opticsList->count,
                 [&overAll](const OpticsDef* optics) { widen(overAll, *optics); });
   return newRange(overAll);
 }
 
-int ConfigCali::getFramerateCount(OPTICS* optics, Range* key) {
+int ConfigCali::getFramerateCount(OPTICS* optics, Range* key) const {
   const TemperatureRange* range = findRange(*this, optics, key);
   return range != nullptr ? range->framerateCount : kNotFound;
 }
 
-int ConfigCali::getFramerateIndex(OPTICS* optics, Range* key, unsigned short fr) {
+int ConfigCali::getFramerateIndex(OPTICS* optics, Range* key, unsigned short fr) const {
   const TemperatureRange* range = findRange(*this, optics, key);
   if (range == nullptr || range->framerates == nullptr) return kNotFound;
   const int index = indexOf(range->framerates, range->framerateCount,
@@ -155,19 +155,20 @@ int ConfigCali::getFramerateIndex(OPTICS* optics, Range* key, unsigned short fr)
   return index == kNotFound ? kNoSuchFramerate : index;
 }
 
-int ConfigCali::getFramerateIndex(int fov, char* text, float tMin, float tMax, unsigned short fr) {
+int ConfigCali::getFramerateIndex(int fov, char* text, float tMin, float tMax,
+                                  unsigned short fr) const {
   OPTICS optics{fov, text};
   Range range{tMin, tMax};
   return getFramerateIndex(&optics, &range, fr);
 }
 
-unsigned short ConfigCali::getFramerate(OPTICS* optics, Range* key, int index) {
+unsigned short ConfigCali::getFramerate(OPTICS* optics, Range* key, int index) const {
   const TemperatureRange* range = findRange(*this, optics, key);
   if (range == nullptr || !isIndex(index, range->framerateCount)) return 0;
   return *range->framerates[index];
 }
 
-bool ConfigCali::checkFramerate(OPTICS* optics, Range* range, unsigned short& fr) {
+bool ConfigCali::checkFramerate(OPTICS* optics, Range* range, unsigned short& fr) const {
   const int index = getFramerateIndex(optics, range, fr);
   if (index >= 0) return true;
   fr = 0;
@@ -175,13 +176,14 @@ bool ConfigCali::checkFramerate(OPTICS* optics, Range* range, unsigned short& fr
   return index == kNotFound;
 }
 
-bool ConfigCali::checkFramerate(int fov, char* text, float tMin, float tMax, unsigned short& fr) {
+bool ConfigCali::checkFramerate(int fov, char* text, float tMin, float tMax,
+                                unsigned short& fr) const {
   OPTICS optics{fov, text};
   Range range{tMin, tMax};
   return checkFramerate(&optics, &range, fr);
 }
 
-unsigned short ConfigCali::getTempRangeDecimal(int fov, char* text, float tMin, float tMax) {
+unsigned short ConfigCali::getTempRangeDecimal(int fov, char* text, float tMin, float tMax) const {
   const int optics = getOpticsIndex(fov, text);
   const int range = getTempRangeIndex(fov, text, tMin, tMax);
   // The two rules of matching may find two optics, of which the first has fewer ranges.

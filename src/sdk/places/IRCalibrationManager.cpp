@@ -72,9 +72,9 @@ void IRCalibrationManager::setFormatsDir(const char* dir) {
   if (dir != nullptr) tstrcpy(_formatsDir, kPathLimit, dir);
 }
 
-char* IRCalibrationManager::getCalibrationDir() { return _calibrationDir; }
+char* IRCalibrationManager::getCalibrationDir() const { return _calibrationDir; }
 
-char* IRCalibrationManager::getFormatsDir() { return _formatsDir; }
+char* IRCalibrationManager::getFormatsDir() const { return _formatsDir; }
 
 bool IRCalibrationManager::createConfigFilepath(char* path, const char* dir, short size,
                                                 const char* name, const char* ext) {

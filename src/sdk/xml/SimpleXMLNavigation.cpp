@@ -65,7 +65,7 @@ bool SimpleXML::resetNode() {
   return true;
 }
 
-int SimpleXML::getKey(const char* name, int from, int limit, bool closing) {
+int SimpleXML::getKey(const char* name, int from, int limit, bool closing) const {
   if (name == nullptr) return kNotFound;
   const int at = findTag(SimpleXMLInternals::textOf(*this), name, from, limit, closing);
   return at == kNotFound || closing ? at : at + openingLength(name);
@@ -124,7 +124,7 @@ bool SimpleXML::setNode(const char* name, int index) {
   return SimpleXMLInternals::enterSibling(*this, name, index);
 }
 
-int SimpleXML::getNodeCount(const char* name) {
+int SimpleXML::getNodeCount(const char* name) const {
   if (depth > kDeepestParent || name == nullptr) return 0;
   const int end = std::min(nodeEnd[depth], length);
   int from = nodeBegin[depth];
@@ -139,7 +139,7 @@ int SimpleXML::getNodeCount(const char* name) {
   }
 }
 
-bool SimpleXML::getNode(char** out) {
+bool SimpleXML::getNode(char** out) const {
   const int begin = nodeBegin[depth];
   const int count = nodeEnd[depth] - std::max(begin, 0);
   if (begin < 0 || count < 1) return false;
