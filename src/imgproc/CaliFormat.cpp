@@ -8,8 +8,6 @@
 #include <type_traits>
 #include <utility>
 
-#include "sdk/text/NumberText.h"
-
 namespace cali {
 
 namespace {
@@ -20,7 +18,7 @@ bool holdsLineEnd(std::string_view text) {
 
 template <typename Number>
 void read(Records& records, std::string_view text, Number* value) {
-  if (ardo::readPlainNumber(text, value)) return;
+  if (records.plainNumbers && ardo::readPlainNumber(text, value)) return;
   records.lineEndInValue |= holdsLineEnd(text);
   ardo::scanNumber(text, value);
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "imgproc/CaliModel.h"
+#include "sdk/text/NumberText.h"
 
 namespace cali {
 
@@ -34,6 +35,8 @@ struct Records {
   FR framerate = 0;
   TableParams tableParams;
   bool lineEndInValue = false;
+  // Whether the C library's scanner, in this thread, reads a plain decimal as it stands.
+  bool plainNumbers = ardo::isPointDecimal();
 };
 
 // Elements that hold others; elements that hold a value follow them without a name of their own.

@@ -232,12 +232,11 @@ bool readInLines(Records& records, const char* path, const char* name) {
   ardo::ConfigPath file;
   if (!file.form(path, name, ".xml")) return false;
   ardo::TextInLines document;
-  if (!document.read(file.text(), kRoot)) return false;
-  std::setlocale(LC_NUMERIC, "C");
-  return readRecords(records, document.text());
+  return document.read(file.text(), kRoot) && readRecords(records, document.text());
 }
 
 std::optional<Records> readFile(const MainSection& before, const char* path, char* name) {
+  std::setlocale(LC_NUMERIC, "C");
   std::optional<Records> records(before);
   if (readInLines(*records, path, name)) return records;
   ardo::SimpleXML document;
