@@ -1,6 +1,5 @@
 #include "sdk/xml/DocumentText.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -13,6 +12,7 @@
 #include <string>
 #include <utility>
 
+#include "sdk/text/OpenForReading.h"
 #include "sdk/xml/Comments.h"
 
 namespace ardo {
@@ -25,9 +25,7 @@ constexpr std::size_t kBlockSize = std::size_t{16} * 1024;
 
 class InputFile {
  public:
-  // Not blocking, so that a named pipe without a writer is refused at once.
-  explicit InputFile(const char* path)
-      : descriptor_(open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {}
+  explicit InputFile(const char* path) : descriptor_(openForReading(path)) {}
   ~InputFile() {
     if (descriptor_ >= 0) close(descriptor_);
   }

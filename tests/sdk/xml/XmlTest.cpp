@@ -2,6 +2,7 @@
 #include <sys/resource.h>
 
 #include <clocale>
+#include <csignal>
 
 #include "support/Transcript.h"
 
@@ -59,7 +60,8 @@ TEST_F(Xml, Transcript) {
     std::string elements;
     for (int i = 0; i < 4680; ++i) elements += "<a>123456</a>\n";
     for (int size = 1; size <= int{a[0]}; ++size) {
-      writeFile("x.xml", "<r>\n" + elements + std::string(size, 'y') + "\n</r>\nno");
+      writeFile("x.xml", "<r>\n" + elements + std::string(static_cast<std::size_t>(size), 'y') +
+                             "\n</r>\nno");
       xml.open("x.xml", "r");
       xml.setNode();
       if (xml.length != 4680 * 13 + size) return shown(size, xml.length);
@@ -76,4 +78,15 @@ TEST_F(Xml, Transcript) {
     return "";
   };
   runTranscript("sdk/xml/xml.txt", on);
+}
+
+// The holder of a lease is asked for it by a signal, and the reader waits.
+TEST_F(Xml, WaitsForAFileUnderALease) {
+  static int leased = open(writeFile("x.xml", "<r>\n1\n</r>").c_str(), O_RDWR | O_CLOEXEC);
+  struct sigaction action {};
+  action.sa_handler = [](int) { fcntl(leased, F_SETLEASE, F_UNLCK); };
+  sigaction(SIGIO, &action, nullptr);
+  if (fcntl(leased, F_SETLEASE, F_WRLCK) != 0) GTEST_SKIP() << "no leases on this file system";
+  SimpleXML xml;
+  EXPECT_TRUE(xml.open("x.xml", "r") && xml.hasRoot());
 }
