@@ -1,15 +1,16 @@
 // IRCalibrationManager: which calibration files of a camera are missing.
-#include <fcntl.h>
 #include <kalvista/Cali.h>
 #include <kalvista/IRCalibrationManager.h>
 #include <kalvista/TextRoutines.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
-#include <cstring>
 #include <memory>
+#include <string_view>
 
 #include "sdk/places/ConfigPath.h"
+#include "sdk/text/OpenForReading.h"
 
 namespace ardo {
 
@@ -17,9 +18,9 @@ namespace {
 
 using FileName = std::array<char, kPathLimit>;
 
-// Not blocking: a named pipe in the place of a file counts as present, as everything that opens.
+// A named pipe in the place of a file counts as present, as everything that opens.
 bool canBeOpened(const char* path) {
-  const int descriptor = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  const int descriptor = openForReading(path);
   if (descriptor < 0) return false;
   close(descriptor);
   return true;
@@ -33,43 +34,82 @@ bool isPresent(const char* dir, const char* name) {
   return false;
 }
 
-// The list ends ahead of a name that does not fit with its separator, and takes no more: files may
-// have vanished since it was counted.
-void appendToList(char* list, int* size, const char* name, const char* separator) {
-  if (*size < 1) return;
-  const std::size_t used = std::strlen(list);
-  if (used + std::strlen(name) + std::strlen(separator) >= static_cast<std::size_t>(*size)) {
-    *size = static_cast<int>(used) + 1;
-    return;
-  }
-  tstrcat(list, static_cast<unsigned long>(*size), name);
-  tstrcat(list, static_cast<unsigned long>(*size), separator);
+// Puts the file's name together; true when there is no such file.
+bool isMissing(const char* dir, const char* base, const char* pattern, FileName& name) {
+  tsnprintf(name.data(), name.size(), pattern, base);
+  return !isPresent(dir, name.data());
 }
 
+// The names of missing files: how many characters they take, each with one for its separator, and a
+// list of them if there is one.
+class MissingFiles {
+ public:
+  MissingFiles() = default;
+  MissingFiles(char* list, int size) : end_(list), room_(size > 0 ? size - 1 : 0) {
+    if (size > 0) *list = '\0';
+  }
+
+  // The list ends ahead of a name that does not fit, and takes no more: files may have vanished
+  // since it was counted.
+  void add(std::string_view name, std::string_view separator) {
+    const auto length = static_cast<int>(name.size()) + 1;
+    length_ += length;
+    if (length > room_) {
+      room_ = 0;
+      return;
+    }
+    append(name);
+    append(separator.substr(0, static_cast<std::size_t>(room_)));
+  }
+
+  bool none() const { return length_ == 0; }
+
+  // Of the list, with its terminator.
+  int size() const { return none() ? 0 : length_ + 1; }
+
+ private:
+  void append(std::string_view text) {
+    end_ = std::copy(text.begin(), text.end(), end_);
+    *end_ = '\0';
+    room_ -= static_cast<int>(text.size());
+  }
+
+  char* end_ = nullptr;
+  int room_ = 0;
+  int length_ = 0;
+};
+
 struct FilePatterns {
+  const char* xml;
   const char* data;
   const char* curve;
+  const char* separator;  // of the XML's name
 };
+
+constexpr const char* kSeparator = ";";
+constexpr FilePatterns kPatterns{"Cali-%i.xml", "Cali-%s.dat", "Kennlinie-%s.prn", kSeparator};
 
 // Checks the files of one calibration, record by record.
 class CalibrationWalk {
  public:
-  CalibrationWalk(ConfigCali& calibration, int serial, const char* dir, FilePatterns patterns,
-                  char* list, int* size)
+  CalibrationWalk(const ConfigCali& calibration, int serial, const char* dir,
+                  const FilePatterns& patterns, MissingFiles& missing)
       : calibration_(calibration),
         serial_(serial),
         dir_(dir),
         patterns_(patterns),
-        list_(list),
-        size_(size) {}
+        missing_(missing) {}
 
   void checkAll() {
+    OpticsDef* const* optics = calibration_.opticsList->items;
     for (int i = 0; i < calibration_.getOpticsCount(); ++i) {
-      const std::unique_ptr<OPTICS> optics(calibration_.getOptics(i));
-      needsCurve_ = !calibration_.opticsList->items[i]->SamplePointCali;
-      for (int j = 0; j < calibration_.getTempRangeCount(optics.get()); ++j) {
-        const std::unique_ptr<Range> range(calibration_.getTempRange(optics.get(), j));
-        checkRange(*optics, *range);
+      OPTICS key{optics[i]->FOV, optics[i]->Text};
+      needsCurve_ = !optics[i]->SamplePointCali;
+      // The ranges are those of the first optics with this field of view and text.
+      const OpticsDef& first = *optics[calibration_.getOpticsIndex(&key)];
+      for (int j = 0; j < first.rangeCount; ++j) {
+        Range range{first.ranges[j]->TempLo, first.ranges[j]->TempHi};
+        checkRange(key, range);
       }
     }
   }
@@ -87,76 +127,84 @@ class CalibrationWalk {
     FileName base{};
     calibration_.caliFilenameString(serial_, optics.FOV, optics.Text, &range, framerate,
                                     base.data(), kPathLimit);
-    _checkCaliFilesHelper(dir_, base.data(), patterns_.data, list_, size_);
-    if (needsCurve_) _checkCaliFilesHelper(dir_, base.data(), patterns_.curve, list_, size_);
+    checkFile(base.data(), patterns_.data);
+    if (needsCurve_) checkFile(base.data(), patterns_.curve);
   }
 
-  ConfigCali& calibration_;
+  void checkFile(const char* base, const char* pattern) {
+    FileName name{};
+    if (isMissing(dir_, base, pattern, name)) missing_.add(name.data(), kSeparator);
+  }
+
+  const ConfigCali& calibration_;
   int serial_;
   const char* dir_;
-  FilePatterns patterns_;
-  char* list_;
-  int* size_;
+  const FilePatterns& patterns_;
+  MissingFiles& missing_;
   bool needsCurve_ = true;
 };
+
+// One pass of the check.
+MissingFiles findMissing(const char* dir, int serial, const FilePatterns& patterns,
+                         MissingFiles missing) {
+  ConfigCali& calibration = *ConfigCali::getInstance();
+  if (!calibration.isLoaded(serial) && calibration.load(dir, serial) != 0) {
+    std::array<char, 20> name{};
+    tsnprintf(name.data(), name.size(), patterns.xml, serial);
+    missing.add(name.data(), patterns.separator);
+  } else {
+    CalibrationWalk(calibration, serial, dir, patterns, missing).checkAll();
+  }
+  return missing;
+}
 
 }  // namespace
 
 void _checkCaliFilesHelper(const char* dir, char* base, const char* pattern, char* list,
                            int* size) {
   FileName name{};
-  tsnprintf(name.data(), name.size(), pattern, base);
-  if (isPresent(dir, name.data())) return;
-  if (list != nullptr) {
-    appendToList(list, size, name.data(), ";");
-  } else {
-    *size += static_cast<int>(tstrlen(name.data())) + 1;
+  if (base == nullptr || pattern == nullptr || size == nullptr ||
+      !isMissing(dir, base, pattern, name)) {
+    return;
+  }
+  const auto length = static_cast<int>(tstrlen(name.data())) + 1;
+  if (list == nullptr) {
+    *size += length;
+  } else if (const auto used = *size > 0 ? static_cast<int>(tstrlen(list)) : 0;
+             used + length < *size) {
+    tstrcat(list, name.size(), name.data());
+    tstrcat(list, 1, kSeparator);
+  } else if (*size > 0) {
+    *size = used + 1;
   }
 }
 
 bool IRCalibrationManager::checkCaliFiles(const char* dir, int serial, char* list, int* size,
                                           const char* xmlPattern, const char* dataPattern,
                                           const char* curvePattern, const char* separator) {
-  const bool counting = list == nullptr;
-  int capacity = counting ? 0 : *size;
-  if (counting) {
-    *size = 0;
-  } else if (*size > 0) {
-    *list = '\0';
-  }
-
-  ConfigCali& calibration = *ConfigCali::getInstance();
-  if (!calibration.isLoaded(serial) && calibration.load(dir, serial) != 0) {
-    std::array<char, 20> name{};
-    tsnprintf(name.data(), name.size(), xmlPattern, serial);
-    if (counting) {
-      *size = static_cast<int>(tstrlen(name.data())) + 2;
-    } else {
-      appendToList(list, &capacity, name.data(), separator);
-    }
+  if (size == nullptr || xmlPattern == nullptr || dataPattern == nullptr ||
+      curvePattern == nullptr || separator == nullptr) {
     return false;
   }
-
-  CalibrationWalk(calibration, serial, dir, {dataPattern, curvePattern}, list,
-                  counting ? size : &capacity)
-      .checkAll();
-  if (!counting) return *size < 1 || *list == '\0';
-  if (*size == 0) return true;
-  ++*size;
-  return false;
+  const MissingFiles missing =
+      findMissing(dir, serial, {xmlPattern, dataPattern, curvePattern, separator},
+                  list != nullptr ? MissingFiles(list, *size) : MissingFiles());
+  if (list == nullptr) *size = missing.size();
+  return missing.none();
 }
 
 char* IRCalibrationManager::checkCalibration(unsigned long serial) {
-  const auto check = [this, number = static_cast<int>(serial)](char* list, int* size) {
-    checkCaliFiles(_calibrationDir, number, list, size, "Cali-%i.xml", "Cali-%s.dat",
-                   "Kennlinie-%s.prn", ";");
-  };
-  int size = 0;
-  check(nullptr, &size);
-  if (size == 0) return nullptr;
-  auto list = std::make_unique<char[]>(static_cast<std::size_t>(size));
-  check(list.get(), &size);
-  return list.release();
+  const auto number = static_cast<int>(serial);
+  for (;;) {
+    const int size = findMissing(_calibrationDir, number, kPatterns, {}).size();
+    if (size == 0) return nullptr;
+    auto list = std::make_unique<char[]>(static_cast<std::size_t>(size));
+    const MissingFiles listed =
+        findMissing(_calibrationDir, number, kPatterns, MissingFiles(list.get(), size));
+    if (listed.none()) return nullptr;
+    // Otherwise files have vanished, or the XML has come and names others.
+    if (listed.size() <= size) return list.release();
+  }
 }
 
 }  // namespace ardo
