@@ -3,7 +3,8 @@
 include(CMakePackageConfigHelpers)
 
 install(TARGETS kalvista EXPORT kalvistaTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 install(DIRECTORY include/kalvista DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   COMPONENT development FILES_MATCHING PATTERN "*.h")
 
@@ -18,6 +19,11 @@ install(FILES ${PROJECT_BINARY_DIR}/kalvistaConfig.cmake ${PROJECT_BINARY_DIR}/k
 
 file(RELATIVE_PATH prefix_from_pkgconfig
   /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+# What a program needs besides when the library is a part of it, and its linker knows no C++.
+set(private_libraries ${CMAKE_CXX_IMPLICIT_LINK_LIBRARIES})
+list(FILTER private_libraries INCLUDE REGEX "^(stdc\\+\\+|c\\+\\+|m)$")
+list(TRANSFORM private_libraries PREPEND "-l")
+list(JOIN private_libraries " " private_libraries)
 configure_file(cmake/kalvista.pc.in ${PROJECT_BINARY_DIR}/kalvista.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kalvista.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)

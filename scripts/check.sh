@@ -5,7 +5,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-all_checks=(plain_build library_alone format floors share scripts tidy install memory demo abi manual packages benchmark)
+all_checks=(plain_build library_alone format floors share scripts tidy install static memory demo abi manual packages benchmark)
 serial=12345678
 work=$(mktemp -d /tmp/kalvista-check.XXXXXX)
 plain=$work/plain
@@ -122,6 +122,36 @@ CMAKE
   quickstart_runs "$work/as-part/outer"
 
   "$work/moved/bin/kalvista" --help >/dev/null
+}
+
+# As a static library it is found likewise, also by a linker that knows no C++; added to a project, it
+# installs nothing there.
+static() {
+  local options=(-DKALVISTA_BUILD_TOOL=OFF -DKALVISTA_BUILD_EXAMPLES=OFF)
+  cmake -S "$root" -B "$work/archive" "${options[@]}" -DBUILD_SHARED_LIBS=OFF
+  cmake --build "$work/archive" --parallel "$(nproc)"
+  cmake --install "$work/archive" --prefix "$work/static"
+  local pc
+  pc=$(find "$work/static" -name kalvista.pc)
+  export PKG_CONFIG_PATH=${pc%/*}
+  # shellcheck disable=SC2046  # one flag a word
+  g++ -std=c++11 -c "$root/examples/quickstart.cpp" $(pkg-config --cflags kalvista) -o "$work/quickstart.o"
+  # shellcheck disable=SC2046
+  gcc "$work/quickstart.o" $(pkg-config --static --libs kalvista) -o "$work/static-by-pkg-config"
+  quickstart_runs "$work/static-by-pkg-config"
+  cmake -S "$root/examples" -B "$work/static-by-cmake" -DCMAKE_PREFIX_PATH="$work/static"
+  cmake --build "$work/static-by-cmake"
+  quickstart_runs "$work/static-by-cmake/kalvista_quickstart"
+
+  mkdir "$work/parent"
+  cat >"$work/parent/CMakeLists.txt" <<CMAKE
+cmake_minimum_required(VERSION 3.16)
+project(parent LANGUAGES CXX)
+add_subdirectory("$root" kalvista)
+CMAKE
+  cmake -S "$work/parent" -B "$work/parent/build"
+  cmake --install "$work/parent/build" --prefix "$work/parent/prefix"
+  if [[ -e $work/parent/prefix ]]; then die "a parent project installs $(find "$work/parent/prefix")"; fi
 }
 
 # The main job under valgrind: no error, no leak.
