@@ -2,6 +2,7 @@
 #include <kalvista/Cali.h>
 
 #include <algorithm>
+#include <cstring>
 #include <new>
 #include <string_view>
 
@@ -10,7 +11,11 @@ namespace {
 constexpr int kNotFound = -1;
 constexpr int kNoSuchFramerate = -2;
 
-std::string_view textOrEmpty(const char* text) { return text != nullptr ? text : ""; }
+const char* textOrEmpty(const char* text) { return text != nullptr ? text : ""; }
+
+bool isSameText(const char* one, const char* other) {
+  return std::strcmp(textOrEmpty(one), textOrEmpty(other)) == 0;
+}
 
 template <typename Record, typename Matches>
 int indexOf(Record* const* records, int count, Matches matches) {
@@ -21,20 +26,29 @@ int indexOf(Record* const* records, int count, Matches matches) {
 
 bool isIndex(int index, int count) { return index >= 0 && index < count; }
 
-OpticsDef* findOptics(const ConfigCali& calibration, OPTICS* key) {
-  const int index = calibration.getOpticsIndex(key);
-  return index == kNotFound ? nullptr : calibration.opticsList->items[index];
-}
-
-int indexOfRange(const OpticsDef& optics, const Range& key) {
-  return indexOf(optics.ranges, optics.rangeCount, [&key](const TemperatureRange* range) {
-    return range->TempLo == key.TempLo && range->TempHi == key.TempHi;
+int indexOfOptics(const OpticsList& list, const OPTICS* key) {
+  if (key == nullptr) return kNotFound;
+  return indexOf(list.items, list.count, [key](const OpticsDef* optics) {
+    return optics->FOV == key->FOV && isSameText(optics->Text, key->Text);
   });
 }
 
-TemperatureRange* findRange(const ConfigCali& calibration, OPTICS* optics, Range* range) {
-  const int index = calibration.getTempRangeIndex(optics, range);
-  return index == kNotFound ? nullptr : findOptics(calibration, optics)->ranges[index];
+OpticsDef* findOptics(const ConfigCali& calibration, const OPTICS* key) {
+  const int index = indexOfOptics(*calibration.opticsList, key);
+  return index == kNotFound ? nullptr : calibration.opticsList->items[index];
+}
+
+int indexOfRange(const OpticsDef* optics, const Range* key) {
+  if (optics == nullptr || key == nullptr) return kNotFound;
+  return indexOf(optics->ranges, optics->rangeCount, [key](const TemperatureRange* range) {
+    return range->TempLo == key->TempLo && range->TempHi == key->TempHi;
+  });
+}
+
+TemperatureRange* findRange(const ConfigCali& calibration, const OPTICS* key, const Range* range) {
+  const OpticsDef* optics = findOptics(calibration, key);
+  const int index = indexOfRange(optics, range);
+  return index == kNotFound ? nullptr : optics->ranges[index];
 }
 
 TemperatureRange* rangeAt(const ConfigCali& calibration, OPTICS* key, int index) {
@@ -59,13 +73,7 @@ Range* newRange(const Range& range) { return new (std::nothrow) Range(range); }
 
 int ConfigCali::getOpticsCount() const { return opticsList->count; }
 
-int ConfigCali::getOpticsIndex(OPTICS* key) const {
-  if (key == nullptr) return kNotFound;
-  const std::string_view text = textOrEmpty(key->Text);
-  return indexOf(opticsList->items, opticsList->count, [&](const OpticsDef* optics) {
-    return optics->FOV == key->FOV && textOrEmpty(optics->Text) == text;
-  });
-}
+int ConfigCali::getOpticsIndex(OPTICS* key) const { return indexOfOptics(*opticsList, key); }
 
 int ConfigCali::getOpticsIndex(int fov, char* keyText) const {
   const std::string_view text = textOrEmpty(keyText);
@@ -92,9 +100,7 @@ int ConfigCali::getTempRangeCount(int fov, char* text) const {
 }
 
 int ConfigCali::getTempRangeIndex(OPTICS* key, Range* range) const {
-  const OpticsDef* optics = findOptics(*this, key);
-  if (optics == nullptr || range == nullptr) return kNotFound;
-  return indexOfRange(*optics, *range);
+  return indexOfRange(findOptics(*this, key), range);
 }
 
 int ConfigCali::getTempRangeIndex(int fov, char* text, float tMin, float tMax) const {

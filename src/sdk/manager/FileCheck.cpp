@@ -9,6 +9,7 @@
 #include <memory>
 #include <string_view>
 
+#include "imgproc/FirstMatch.h"
 #include "sdk/places/ConfigPath.h"
 #include "sdk/text/OpenForReading.h"
 
@@ -101,34 +102,32 @@ class CalibrationWalk {
         missing_(missing) {}
 
   void checkAll() {
-    OpticsDef* const* optics = calibration_.opticsList->items;
-    for (int i = 0; i < calibration_.getOpticsCount(); ++i) {
-      OPTICS key{optics[i]->FOV, optics[i]->Text};
-      needsCurve_ = !optics[i]->SamplePointCali;
-      // The ranges are those of the first optics with this field of view and text.
-      const OpticsDef& first = *optics[calibration_.getOpticsIndex(&key)];
-      for (int j = 0; j < first.rangeCount; ++j) {
-        Range range{first.ranges[j]->TempLo, first.ranges[j]->TempHi};
-        checkRange(key, range);
-      }
+    cali::FirstOptics firstOptics;
+    const OpticsList& list = *calibration_.opticsList;
+    for (int i = 0; i < list.count; ++i) {
+      const OpticsDef& optics = *list.items[i];
+      checkOptics(optics, firstOptics.sameKeyAs(optics));
     }
   }
 
  private:
-  void checkRange(OPTICS& optics, Range& range) {
-    const int count = calibration_.getFramerateCount(&optics, &range);
-    if (count <= 0) checkFiles(optics, range, 0);
-    for (int k = 0; k < count; ++k) {
-      checkFiles(optics, range, calibration_.getFramerate(&optics, &range, k));
+  void checkOptics(const OpticsDef& optics, const OpticsDef& firstOfKey) {
+    cali::FirstRange firstRange;
+    for (int i = 0; i < firstOfKey.rangeCount; ++i) {
+      const TemperatureRange& range = *firstOfKey.ranges[i];
+      const TemperatureRange* firstOfEnds = firstRange.sameKeyAs(range);
+      const int count = firstOfEnds != nullptr ? firstOfEnds->framerateCount : 0;
+      if (count <= 0) checkFiles(optics, range, 0);
+      for (int k = 0; k < count; ++k) checkFiles(optics, range, *firstOfEnds->framerates[k]);
     }
   }
 
-  void checkFiles(OPTICS& optics, Range& range, unsigned short framerate) {
+  void checkFiles(const OpticsDef& optics, const TemperatureRange& range, FR framerate) {
     FileName base{};
-    calibration_.caliFilenameString(serial_, optics.FOV, optics.Text, &range, framerate,
-                                    base.data(), kPathLimit);
+    calibration_.caliFilenameString(serial_, optics.FOV, optics.Text, range.TempLo, range.TempHi,
+                                    framerate, base.data(), kPathLimit);
     checkFile(base.data(), patterns_.data);
-    if (needsCurve_) checkFile(base.data(), patterns_.curve);
+    if (!optics.SamplePointCali) checkFile(base.data(), patterns_.curve);
   }
 
   void checkFile(const char* base, const char* pattern) {
@@ -141,7 +140,6 @@ class CalibrationWalk {
   const char* dir_;
   const FilePatterns& patterns_;
   MissingFiles& missing_;
-  bool needsCurve_ = true;
 };
 
 // One pass of the check.

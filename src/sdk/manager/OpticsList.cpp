@@ -2,25 +2,23 @@
 #include <kalvista/Cali.h>
 #include <kalvista/IRCalibrationManager.h>
 
-#include <memory>
-
+#include "imgproc/FirstMatch.h"
 #include "imgproc/WholeDegrees.h"
 
 namespace ardo {
 
 namespace {
 
-// The ranges are those of the first optics with this field of view and text.
-IROptics describeOptics(ConfigCali& calibration, OPTICS& key) {
-  IROptics optics;
-  optics.fov = key.FOV;
-  if (key.Text != nullptr) optics.text = key.Text;
-  for (int i = 0; i < calibration.getTempRangeCount(&key); ++i) {
-    const std::unique_ptr<Range> range(calibration.getTempRange(&key, i));
-    optics.tempRanges.push_back(
-        {cali::wholeDegrees(range->TempLo), cali::wholeDegrees(range->TempHi)});
+IROptics describeOptics(const OpticsDef& optics, const OpticsDef& firstOfKey) {
+  IROptics description;
+  description.fov = optics.FOV;
+  if (optics.Text != nullptr) description.text = optics.Text;
+  for (int i = 0; i < firstOfKey.rangeCount; ++i) {
+    const TemperatureRange& range = *firstOfKey.ranges[i];
+    description.tempRanges.push_back(
+        {cali::wholeDegrees(range.TempLo), cali::wholeDegrees(range.TempHi)});
   }
-  return optics;
+  return description;
 }
 
 }  // namespace
@@ -32,9 +30,11 @@ std::vector<IROptics>* IRCalibrationManager::getAvailableOptics(unsigned long se
   if (!calibration.isLoaded(number)) calibration.load(_calibrationDir, number);
 
   _optics->clear();
-  for (int i = 0; i < calibration.getOpticsCount(); ++i) {
-    const std::unique_ptr<OPTICS> key(calibration.getOptics(i));
-    _optics->push_back(describeOptics(calibration, *key));
+  cali::FirstOptics firstOptics;
+  const OpticsList& list = *calibration.opticsList;
+  for (int i = 0; i < list.count; ++i) {
+    const OpticsDef& optics = *list.items[i];
+    _optics->push_back(describeOptics(optics, firstOptics.sameKeyAs(optics)));
   }
   return _optics;
 }

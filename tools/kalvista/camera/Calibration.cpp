@@ -5,7 +5,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <iterator>
+#include <map>
+#include <string_view>
+#include <utility>
 
 #include "answer/Console.h"
 
@@ -32,31 +36,43 @@ CalibrationFile lookAt(const std::string& directory, const std::string& name) {
 }
 
 // The files of one optics, range and frame rate, in the library's order and with its names.
-std::vector<std::string> dataFileNames(ConfigCali& calibration, const OpticsDef& definition,
-                                       OPTICS* optics, Range* range, unsigned short framerate) {
+void addDataFiles(const ConfigCali& calibration, const OpticsDef& optics,
+                  const TemperatureRange& range, FR framerate, std::vector<std::string>& names) {
   char base[kNameCapacity] = "";
-  calibration.caliFilenameString(calibration.serial, optics->FOV, optics->Text, range, framerate,
-                                 base, kNameCapacity);
-  std::vector<std::string> names = {"Cali-" + std::string(base) + ".dat"};
-  if (!definition.SamplePointCali) names.push_back("Kennlinie-" + std::string(base) + ".prn");
-  return names;
+  calibration.caliFilenameString(calibration.serial, optics.FOV, optics.Text, range.TempLo,
+                                 range.TempHi, framerate, base, kNameCapacity);
+  names.push_back("Cali-" + std::string(base) + ".dat");
+  if (!optics.SamplePointCali) names.push_back("Kennlinie-" + std::string(base) + ".prn");
 }
 
-std::vector<std::string> requiredDataFiles(ConfigCali& calibration) {
-  std::vector<std::string> names;
-  for (int i = 0; i < calibration.getOpticsCount(); ++i) {
-    const std::unique_ptr<OPTICS> optics(calibration.getOptics(i));
-    for (int j = 0; j < calibration.getTempRangeCount(optics.get()); ++j) {
-      const std::unique_ptr<Range> range(calibration.getTempRange(optics.get(), j));
-      const int rates = calibration.getFramerateCount(optics.get(), range.get());
-      // A range without frame rates has one set of files, of no rate in particular.
-      for (int k = 0; k < std::max(rates, 1); ++k) {
-        const auto added =
-            dataFileNames(calibration, *calibration.opticsList->items[i], optics.get(), range.get(),
-                          calibration.getFramerate(optics.get(), range.get(), k));
-        names.insert(names.end(), added.begin(), added.end());
-      }
+// `listed` is the first optics of the same key, as a query finds it; likewise with the ranges. No
+// key finds a range with an end that is no number.
+void addFilesOf(const ConfigCali& calibration, const OpticsDef& optics, const OpticsDef& listed,
+                std::vector<std::string>& names) {
+  std::map<std::pair<float, float>, const TemperatureRange*> firstOfEnds;
+  for (int j = 0; j < listed.rangeCount; ++j) {
+    const TemperatureRange& range = *listed.ranges[j];
+    const bool found = !std::isnan(range.TempLo) && !std::isnan(range.TempHi);
+    const TemperatureRange& first =
+        found ? *firstOfEnds.emplace(std::pair(range.TempLo, range.TempHi), &range).first->second
+              : range;
+    const int rates = found ? first.framerateCount : 0;
+    // A range without frame rates has one set of files, of no rate in particular.
+    if (rates <= 0) addDataFiles(calibration, optics, range, 0, names);
+    for (int k = 0; k < rates; ++k) {
+      addDataFiles(calibration, optics, range, *first.framerates[k], names);
     }
+  }
+}
+
+std::vector<std::string> requiredDataFiles(const ConfigCali& calibration) {
+  std::vector<std::string> names;
+  std::map<std::pair<int, std::string_view>, const OpticsDef*> firstOfKey;
+  for (int i = 0; i < calibration.opticsList->count; ++i) {
+    const OpticsDef& optics = *calibration.opticsList->items[i];
+    const std::string_view text = optics.Text != nullptr ? optics.Text : "";
+    const auto first = firstOfKey.emplace(std::pair(optics.FOV, text), &optics).first;
+    addFilesOf(calibration, optics, *first->second, names);
   }
   return names;
 }
