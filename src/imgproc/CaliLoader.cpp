@@ -6,6 +6,7 @@
 // of every parent once for each of its children. Instead each tag is seen once, and held against
 // the set of elements that are looked for at this place and the set of those that are open. Since
 // a name belongs to one place only, both sets tell exactly what the single searches would find.
+// So the text may come in pieces, of which none is kept.
 #include <kalvista/Cali.h>
 #include <kalvista/SimpleXML.h>
 
@@ -39,21 +40,45 @@ constexpr int kLineTec = 107;
 constexpr unsigned int kSuccess = 0;
 constexpr unsigned int kAccessDenied = 0x80070005U;
 
+constexpr ElementSet kSections = setOf(kMain) | setOf(kTemperature);
+
 std::string_view textBetween(const char* begin, const char* end) {
   return {begin, static_cast<std::size_t>(end - begin)};
 }
 
-class ElementScan {
+class ElementScan : public ardo::LineReceiver {
  public:
   explicit ElementScan(Records& records) : records_(records) {}
 
   // Looks for some elements, and for all that their rules name inside them.
-  void run(std::string_view text, ElementSet wanted) {
+  void lookFor(ElementSet wanted) {
     wanted_ = wanted;
     open_ = 0;
     found_ = 0;
+    known_ = {};
+  }
+
+  void run(std::string_view text, ElementSet wanted) {
+    lookFor(wanted);
+    scan(text);
+  }
+
+  // Goes on with the next lines, until joining them might show something else.
+  bool take(std::string_view lines) override {
+    scan(lines);
+    return !needsJoining();
+  }
+
+  bool found(Element element) const { return (found_ & setOf(element)) != 0; }
+
+  std::string_view contentOf(std::size_t element) const {
+    return textBetween(contents_[element].begin, contents_[element].end);
+  }
+
+ private:
+  void scan(std::string_view text) {
     ardo::TagScanner tags(text);
-    KnownTag known;
+    KnownTag& known = known_;
     while ((wanted_ | open_) != 0 && takeKnown(tags, known)) {
       while (!known.closing && isWanted(known.element)) {
         if (takeValue(tags, known)) continue;
@@ -62,19 +87,14 @@ class ElementScan {
       }
       if (known.closing) close(known.element, tags.tagBegin());
     }
-    lineEndInTag_ |= tags.lineEndInTag();
+    tagCut_ |= tags.tagCut();
   }
 
-  bool found(Element element) const { return (found_ & setOf(element)) != 0; }
-
-  // True when a line end stands where it may have hidden a tag.
-  bool lineEndInTag() const { return lineEndInTag_; }
-
-  std::string_view contentOf(std::size_t element) const {
-    return textBetween(contents_[element].begin, contents_[element].end);
+  // True when a line end, or the end of a piece, stands within a tag or a value.
+  bool needsJoining() const {
+    return tagCut_ || records_.lineEndInValue || (open_ & valueElements()) != 0;
   }
 
- private:
   struct KnownTag {
     std::uint8_t element = kNoElement;
     bool closing = false;
@@ -87,10 +107,21 @@ class ElementScan {
   };
   using FollowerTable = std::array<std::array<Followers, 2>, kNoElement + 1>;
 
-  // From the closing tag of a value to the end of the next opening tag.
-  struct Step {
-    std::string_view text;
-    std::uint8_t next = kNoElement;
+  // From the closing tag of a value to the end of the next opening tag. It is kept when the piece
+  // that held it is gone; a long one is not worth it.
+  class Step {
+   public:
+    void set(std::string_view text, std::uint8_t next) {
+      size_ = text.size() <= text_.size() ? text.copy(text_.data(), text.size()) : 0;
+      next_ = next;
+    }
+    std::string_view text() const { return {text_.data(), size_}; }
+    std::uint8_t next() const { return next_; }
+
+   private:
+    std::array<char, 118> text_;
+    std::uint8_t next_;
+    std::size_t size_ = 0;
   };
 
   struct Content {
@@ -124,8 +155,9 @@ class ElementScan {
       if (!findKnown(tags, known)) return false;
       followers.former = std::exchange(followers.latest, known);
     }
-    if (before.closing && !known.closing) {
-      steps_[before.element] = {textBetween(beforeBegin, tags.tagEnd()), known.element};
+    if (before.closing && !known.closing && beforeBegin != nullptr &&
+        kElementRules[before.element].holdsValue()) {
+      steps_[before.element].set(textBetween(beforeBegin, tags.tagEnd()), known.element);
     }
     return true;
   }
@@ -154,8 +186,8 @@ class ElementScan {
     if (!rule.holdsValue()) return false;
     const char* content = tags.tagEnd();
     const Step& step = steps_[element];
-    if (!step.text.empty() && tags.takeRepeated(step.text)) {
-      known.element = step.next;
+    if (!step.text().empty() && tags.takeRepeated(step.text())) {
+      known.element = step.next();
     } else if (tags.takeExpected(rule.name, true)) {
       known.closing = true;
     } else {
@@ -164,6 +196,17 @@ class ElementScan {
     wanted_ &= ~setOf(element);
     rule.close(records_, textBetween(content, tags.tagBegin()));
     return true;
+  }
+
+  static ElementSet valueElements() {
+    static const ElementSet elements = [] {
+      ElementSet values = 0;
+      for (std::size_t element = 0; element < kElementCount; ++element) {
+        if (kElementRules[element].holdsValue()) values |= setOf(element);
+      }
+      return values;
+    }();
+    return elements;
   }
 
   bool isWanted(std::size_t element) const { return (wanted_ & setOf(element)) != 0; }
@@ -187,7 +230,9 @@ class ElementScan {
     open_ &= ~(rule.descendants | setOf(element));
     found_ |= setOf(element);
     contents_[element].end = contentEnd;
-    if (rule.close != nullptr) rule.close(records_, contentOf(element));
+    if (rule.close != nullptr) {
+      rule.close(records_, rule.holdsValue() ? contentOf(element) : std::string_view());
+    }
     if (rule.repeated) wanted_ |= setOf(element);
   }
 
@@ -195,7 +240,8 @@ class ElementScan {
   ElementSet wanted_ = 0;
   ElementSet open_ = 0;
   ElementSet found_ = 0;
-  bool lineEndInTag_ = false;
+  bool tagCut_ = false;
+  KnownTag known_;
   FollowerTable followers_ = firstGuesses();
   std::array<Step, kElementCount> steps_{};
   std::array<Content, kElementCount> contents_{};
@@ -214,25 +260,26 @@ void readOptics(ElementScan& scan, Records& records, std::string_view text) {
   scan.run(level, setOf(kOpticsDef));
 }
 
-// False when line ends stand within tags or values, where the format's text has none.
-bool readRecords(Records& records, std::string_view text) {
+void readRecords(Records& records, std::string_view text) {
   ElementScan scan(records);
-  scan.run(text, setOf(kMain) | setOf(kTemperature));
+  scan.run(text, kSections);
   const bool mainFound = scan.found(kMain);
   readOptics(scan, records, text);
   if (!mainFound) {
     records.main = records.mainBefore;
     scan.run(text, kElementRules[kMain].children);
   }
-  return !scan.lineEndInTag() && !records.lineEndInValue;
 }
 
-// Most files break lines between elements only, so that their lines need not be joined.
+// Most files have all levels and break lines between elements only, so that they are read line by
+// line and no text is kept.
 bool readInLines(Records& records, const char* path, const char* name) {
   ardo::ConfigPath file;
   if (!file.form(path, name, ".xml")) return false;
-  ardo::TextInLines document;
-  return document.read(file.text(), kRoot) && readRecords(records, document.text());
+  ElementScan scan(records);
+  scan.lookFor(kSections);
+  return ardo::readLines(file.text(), kRoot, scan) && scan.found(kMain) &&
+         scan.found(kTemperature) && scan.found(kOptics);
 }
 
 std::optional<Records> readFile(const MainSection& before, const char* path, char* name) {

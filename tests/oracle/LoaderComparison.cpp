@@ -1,7 +1,11 @@
 // The calibration loader written down step by step on the plain reader.
 #include <kalvista/Cali.h>
 #include <strings.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <sstream>
 #include <tuple>
@@ -153,7 +157,11 @@ class Ledger {
 
 }  // namespace
 
-std::string compareLoaders(const std::string& document) {
+namespace {
+
+std::size_t mostBytesPerRead = SIZE_MAX;
+
+std::string compareLoad(const std::string& document) {
   // Two serials in turn, so that each load first has to clear the model of the one before.
   static ConfigCali cali;
   static int serial = 1;
@@ -163,4 +171,24 @@ std::string compareLoaders(const std::string& document) {
   return firstDifference(Ledger().load(file), Ledger().describe(status, cali));
 }
 
+}  // namespace
+
+std::string compareLoaders(const std::string& document) {
+  // What a block holds decides where the text is cut: from single bytes up, and as it comes.
+  mostBytesPerRead = std::size_t{1} << document.size() % 14;
+  std::string difference = compareLoad(document);
+  mostBytesPerRead = SIZE_MAX;
+  if (difference.empty()) difference = compareLoad(document);
+  // A dash at a line end has any document read by joining its lines.
+  const std::size_t root = document.find("<CaliData");
+  const std::size_t line = root == std::string::npos ? root : document.find('\n', root);
+  if (!difference.empty() || line == std::string::npos) return difference;
+  return compareLoad(std::string(document).insert(line + 1, "x-\ny\n"));
+}
+
 }  // namespace oracle
+
+// Stands before the C library's own, for the library as well.
+extern "C" ssize_t read(int descriptor, void* to, std::size_t most) {
+  return syscall(SYS_read, descriptor, to, std::min(most, oracle::mostBytesPerRead));
+}

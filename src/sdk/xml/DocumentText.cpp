@@ -106,21 +106,16 @@ std::string_view wholeLines(std::string_view text) {
   }
 }
 
-// What becomes of the line ends of a text.
-enum class LineEnds { Dropped, Kept };
-
-// Takes the lines of a file block by block and puts the root's content into a room.
+// Takes the lines of a file block by block and puts the root's content into a room. With a receiver
+// the room is for one block, whose lines keep their ends and lose their comments.
 class ContentCollector {
  public:
-  // How large the room must be for the text of a file of that size.
-  static std::size_t roomFor(std::size_t fileSize) { return fileSize + 1 + kFixedCopy; }
-
-  ContentCollector(std::string_view root, LineEnds lineEnds, char* room)
+  ContentCollector(std::string_view root, char* room, LineReceiver* receiver = nullptr)
       : opening_("<" + std::string(root)),
         closing_("</" + std::string(root) + ">"),
-        keepsLineEnds_(lineEnds == LineEnds::Kept),
         room_(room),
-        fill_(room) {}
+        fill_(room),
+        receiver_(receiver) {}
 
   // Takes the lines that end in [from, end), at the end of the file the unfinished one as well.
   // Returns the start of the line that is left over, null when the reading is over.
@@ -129,21 +124,17 @@ class ContentCollector {
       from = findByte(from, end, '<');
       started_ = from != end;
     }
-    char* const filled = fill_;
     from = rootFound_ ? takeContent(from, end) : skipToRoot(from, end);
     if (from != nullptr && isTooLong(from, end)) from = nullptr;
     if (from != nullptr && endOfFile && from != end) takeUnfinishedLine(from, end);
-    if (keepsLineEnds_) {
-      *fill_ = '\0';
-      fill_ = cutter_.cut(filled, fill_);
-    }
-    return cutter_.failed() ? nullptr : from;
+    if (receiver_ != nullptr && !handOut()) from = nullptr;
+    return from;
   }
 
   bool rootFound() const { return rootFound_; }
 
-  // False when the text with its line ends may not show what is comment.
-  bool commentsAreCut() const { return !cutter_.failed() && !cutter_.inComment(); }
+  // True when the receiver has all lines. A text with line ends may not show what is comment.
+  bool allHandedOut() const { return rootFound_ && !refused_ && !cutter_.inComment(); }
 
   std::string_view finish() {
     *fill_ = '\0';
@@ -151,6 +142,16 @@ class ContentCollector {
   }
 
  private:
+  bool handOut() {
+    *fill_ = '\0';
+    const char* end = cutter_.cut(room_, fill_);
+    fill_ = room_;
+    room_[end - room_] = '\0';
+    refused_ = cutter_.failed() ||
+               (end != room_ && !receiver_->take({room_, static_cast<std::size_t>(end - room_)}));
+    return !refused_;
+  }
+
   static bool isTooLong(const char* from, const char* lineEnd) {
     return static_cast<std::size_t>(lineEnd - from) > kLongestLine;
   }
@@ -194,7 +195,7 @@ class ContentCollector {
   // Copies the lines that end before `stop`, which needs a closer look.
   const char* copyLines(const char* from, const char* end, const char* stop) {
     char* const copied = fill_;
-    if (keepsLineEnds_) {
+    if (receiver_ != nullptr) {
       const std::string_view lines = wholeLines({from, static_cast<std::size_t>(stop - from)});
       std::memcpy(fill_, lines.data(), lines.size());
       fill_ += lines.size();
@@ -241,12 +242,13 @@ class ContentCollector {
 
   TextFinder opening_;
   TextFinder closing_;
-  bool keepsLineEnds_;
   char* room_;
   char* fill_;
   bool started_ = false;  // the first "<" of the file has been seen
   bool rootFound_ = false;
   CommentCutter cutter_;
+  LineReceiver* receiver_;
+  bool refused_ = false;
 };
 
 void collect(ContentCollector& collector, const InputFile& input, std::size_t unread) {
@@ -268,10 +270,6 @@ void collect(ContentCollector& collector, const InputFile& input, std::size_t un
   }
 }
 
-std::unique_ptr<char[]> makeRoom(std::size_t size) {
-  return std::unique_ptr<char[]>(new (std::nothrow) char[size]);
-}
-
 }  // namespace
 
 std::optional<DocumentText> readDocumentText(const char* file, std::string_view root) {
@@ -279,29 +277,26 @@ std::optional<DocumentText> readDocumentText(const char* file, std::string_view 
   const std::optional<std::size_t> size = input.size();
   if (!size) return std::nullopt;
   DocumentText document;
-  document.characters = makeRoom(ContentCollector::roomFor(*size));
+  document.characters.reset(new (std::nothrow) char[*size + 1 + kFixedCopy]);
   if (document.characters == nullptr) return std::nullopt;
 
-  ContentCollector collector(root, LineEnds::Dropped, document.characters.get());
+  ContentCollector collector(root, document.characters.get());
   collect(collector, input, *size);
   document.length = static_cast<std::int32_t>(collector.finish().size());
   document.rootFound = collector.rootFound();
   return document;
 }
 
-bool TextInLines::read(const char* file, std::string_view root) {
+bool readLines(const char* file, std::string_view root, LineReceiver& receiver) {
   const InputFile input(file);
   const std::optional<std::size_t> size = input.size();
   if (!size) return false;
-  const std::size_t room = ContentCollector::roomFor(*size);
-  if (room > small_.size()) large_ = makeRoom(room);
-  char* const characters = room > small_.size() ? large_.get() : small_.data();
-  if (characters == nullptr) return false;
-
-  ContentCollector collector(root, LineEnds::Kept, characters);
+  // Written block by block, so that it need not be set before.
+  // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
+  std::array<char, kBlockSize + 1 + kFixedCopy> room;
+  ContentCollector collector(root, room.data(), &receiver);
   collect(collector, input, *size);
-  text_ = collector.finish();
-  return collector.rootFound() && collector.commentsAreCut();
+  return collector.allHandedOut();
 }
 
 }  // namespace ardo

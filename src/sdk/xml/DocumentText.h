@@ -2,7 +2,6 @@
 #ifndef KALVISTA_SDK_DOCUMENT_TEXT_H
 #define KALVISTA_SDK_DOCUMENT_TEXT_H
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -22,31 +21,26 @@ struct DocumentText {
 // comments kept. Nothing when the file cannot be opened, is no regular file, or has 2 GiB or more.
 std::optional<DocumentText> readDocumentText(const char* file, std::string_view root);
 
-// The same lines with their ends, but without comments, for a reader that looks at the line ends
-// itself. This is faster; a text whose comments do not balance, or have a delimiter at a line end,
-// is not read that way.
-//
-// Its own memory is read into, so that it need not be set before.
-// NOLINTBEGIN(cppcoreguidelines-pro-type-member-init)
-class TextInLines {
+// Takes lines that come in pieces.
+class LineReceiver {
  public:
-  TextInLines() = default;
-  ~TextInLines() = default;
-  TextInLines(const TextInLines&) = delete;
-  TextInLines& operator=(const TextInLines&) = delete;
+  // Whole lines with their ends, in memory that may be written and is gone afterwards; followed by
+  // a zero byte. False when no more are wanted.
+  virtual bool take(std::string_view lines) = 0;
 
-  // False when the text is not read that way, or there is none.
-  bool read(const char* file, std::string_view root);
-
-  // Followed by a zero byte.
-  std::string_view text() const { return text_; }
-
- private:
-  std::array<char, std::size_t{16} * 1024> small_;  // most files take none of the heap
-  std::unique_ptr<char[]> large_;
-  std::string_view text_;
+ protected:
+  LineReceiver() = default;
+  ~LineReceiver() = default;
+  LineReceiver(const LineReceiver&) = default;
+  LineReceiver& operator=(const LineReceiver&) = default;
 };
-// NOLINTEND(cppcoreguidelines-pro-type-member-init)
+
+// Gives out the same lines with their ends, but without comments, and keeps none of them. A comment
+// that reaches from one line to another may come between two pieces and leave a line without an
+// end.
+// False when the receiver wanted no more, or the text is not read that way: there is no root, or
+// its comments do not balance or have a delimiter at a line end.
+bool readLines(const char* file, std::string_view root, LineReceiver& receiver);
 
 }  // namespace ardo
 

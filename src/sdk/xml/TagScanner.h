@@ -60,14 +60,15 @@ class TagScanner {
         next_ = findBracket(at_);
         return true;
       }
-      lineEndSeen_ = lineEndSeen_ || *nameEnd == '\n';
+      tagCut_ = tagCut_ || *nameEnd == '\n' || nameEnd == end_;
       next_ = findBracket(nameEnd);
     }
     return false;
   }
 
-  // True when a tag that was passed over may have been one but for a line end in it.
-  bool lineEndInTag() const { return lineEndSeen_; }
+  // True when what was passed over may have been a tag but for a line end, or the end of the text,
+  // in it.
+  bool tagCut() const { return tagCut_; }
 
   // Where what was taken last begins, and where it ends.
   const char* tagBegin() const { return taken_; }
@@ -84,7 +85,7 @@ class TagScanner {
   const char* end_;
   const char* next_;             // the next "<"
   const char* taken_ = nullptr;  // the "<" that was taken last
-  bool lineEndSeen_ = false;
+  bool tagCut_ = false;
 };
 
 }  // namespace ardo
