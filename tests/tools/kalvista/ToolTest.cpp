@@ -132,14 +132,18 @@ TEST_F(ToolTest, DownloadFromAServerThatLacksFiles) {
   most.erase("Cali-12345678-33-0-250-27.dat");
   most["Cali-12345678-33-0-250-32.dat"] = "";
   most["Cali-12345678-33-0-250-80.dat"] = "<!DOCTYPE html><html>Not here</html>";
+  most["Cali-12345678-33-150-900-27.dat"] =
+      "\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<!-- a page -->\n<html xmlns=\"x\">Not here</html>";
+  most["Cali-12345678-33-150-900-80.dat"] = "\x1F\x8B\x08packed";
   publish("12345678", most);
   serve(linksDocument(kLink));
   const ToolRun some = run("download 12345678 --calibration-dir new");
   EXPECT_EQ(some.exitCode, 1);
   EXPECT_EQ(some.out,
             "Cali-12345678-33-0-250-27.dat\nCali-12345678-33-0-250-32.dat\n"
-            "Cali-12345678-33-0-250-80.dat\n");
-  EXPECT_EQ(contentsOf("new").size(), sample.size() - 3);
+            "Cali-12345678-33-0-250-80.dat\nCali-12345678-33-150-900-27.dat\n"
+            "Cali-12345678-33-150-900-80.dat\n");
+  EXPECT_EQ(contentsOf("new").size(), sample.size() - 5);
   expectWholeFilesOnly("new");
   if (machine_.isOwn) {
     EXPECT_THAT(some.err, HasSubstr("no default route"));

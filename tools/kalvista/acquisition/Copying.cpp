@@ -4,7 +4,7 @@
 
 #include <filesystem>
 #include <map>
-#include <set>
+#include <vector>
 
 #include "acquisition/Acquisition.h"
 #include "acquisition/Staging.h"
@@ -17,8 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Sizes of the files of a camera that a repository holds, by name: a name may stand there twice.
-using Sources = std::map<std::string, std::set<std::uintmax_t>>;
+// Where the files of a camera lie in a repository, by name: a name may stand there twice.
+using Sources = std::map<std::string, std::vector<fs::path>>;
 
 // While it lives, what is written to standard output goes to standard error: the library prints
 // the command there, where the answer belongs.
@@ -40,17 +40,52 @@ bool belongsToCamera(const std::string& name, unsigned long serial) {
          name.rfind("Kennlinie-" + number + "-", 0) == 0;
 }
 
+// The copy command takes whatever has such a name.
+bool isTakenByCommand(const std::string& name, unsigned long serial) {
+  const std::string number = std::to_string(serial);
+  return name.rfind("Cali-" + number, 0) == 0 || name.rfind("Kennlinie-" + number, 0) == 0;
+}
+
+// It would wait for a pipe, fill the disk from a device, and bring, for root, whatever a link
+// names.
+void refuseForeignFile(const fs::directory_entry& entry, const fs::path& root) {
+  std::error_code error;
+  const std::string target = fs::canonical(entry.path(), error).string();
+  const std::string inside = (root / "").string();
+  const bool isInside = target.compare(0, inside.size(), inside) == 0;
+  if (!error && isInside && fs::is_regular_file(target, error)) return;
+  throw Failure(ExitCode::CouldNot,
+                "the file " + entry.path().string() +
+                    " is no regular file of the repository, nor a link to one; take it away");
+}
+
+// Which of two calibrations holds is not to be told by the order of a directory.
+void refuseAmbiguity(const Sources& sources) {
+  for (const auto& [name, paths] : sources) {
+    for (const fs::path& path : paths) {
+      if (readFile(path.string()) == readFile(paths.front().string())) continue;
+      throw Failure(
+          ExitCode::AnswerIsNo,
+          "the files " + paths.front().string() + " and " + path.string() +
+              " have one name and differ; take one away, or name the folder of the other");
+    }
+  }
+}
+
 Sources findSources(const std::string& repository, unsigned long serial) {
   Sources sources;
   std::error_code error;
+  const fs::path root = fs::canonical(repository, error);
   fs::recursive_directory_iterator entries(repository,
                                            fs::directory_options::skip_permission_denied, error);
   for (; !error && entries != fs::recursive_directory_iterator(); entries.increment(error)) {
-    std::error_code sizeError;
     const std::string name = entries->path().filename().string();
-    if (!belongsToCamera(name, serial) || !entries->is_regular_file(sizeError)) continue;
-    sources[name].insert(entries->file_size(sizeError));
+    std::error_code statusError;
+    if (!isTakenByCommand(name, serial) || entries->is_directory(statusError)) continue;
+    refuseForeignFile(*entries, root);
+    if (belongsToCamera(name, serial)) sources[name].push_back(entries->path());
   }
+  refuseAmbiguity(sources);
   return sources;
 }
 
@@ -63,13 +98,15 @@ void runCopyCommand(const Staging& staging, const CommonOptions& common, unsigne
   manager->setCalibrationDir(common.calibrationDir.c_str());
 }
 
-// Names that arrived with the size of a source; the rest was cut short or did not arrive.
+// Names that arrived with the size of their source; the rest was cut short or did not arrive.
 std::vector<std::string> arrivedWhole(const Staging& staging, const Sources& sources) {
   std::vector<std::string> names;
-  for (const auto& [name, sizes] : sources) {
+  for (const auto& [name, paths] : sources) {
     std::error_code error;
+    std::error_code sourceError;
     const std::uintmax_t size = fs::file_size(staging.pathOf(name), error);
-    if (!error && sizes.count(size) != 0) names.push_back(name);
+    const std::uintmax_t sourceSize = fs::file_size(paths.front(), sourceError);
+    if (!error && !sourceError && size == sourceSize) names.push_back(name);
   }
   return names;
 }

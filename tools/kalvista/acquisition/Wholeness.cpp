@@ -1,9 +1,9 @@
 #include "acquisition/Wholeness.h"
 
 #include <kalvista/SimpleXML.h>
+#include <strings.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <string_view>
@@ -19,15 +19,32 @@ namespace fs = std::filesystem;
 
 constexpr const char* kRoot = "CaliData";
 
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kCompressed = "\x1F\x8B";
+
+bool beginsWith(std::string_view text, std::string_view beginning) {
+  return text.size() >= beginning.size() &&
+         strncasecmp(text.data(), beginning.data(), beginning.size()) == 0;
+}
+
+// What stands behind byte-order mark, blanks, XML declaration and comments.
+std::string_view withoutPreamble(std::string_view text) {
+  if (beginsWith(text, kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  for (;;) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+    std::string_view end;
+    if (beginsWith(text, "<?")) end = "?>";
+    if (beginsWith(text, "<!--")) end = "-->";
+    const std::size_t at = end.empty() ? std::string_view::npos : text.find(end);
+    if (at == std::string_view::npos) return text;
+    text.remove_prefix(at + end.size());
+  }
+}
+
 // Servers answer with a page of their own when they have no such file, sometimes as a success.
 bool looksLikeWebPage(std::string_view content) {
-  const auto isBlank = [](unsigned char character) { return std::isspace(character) != 0; };
-  const auto begin = std::find_if_not(content.begin(), content.end(), isBlank);
-  std::string start(begin, begin + std::min<std::ptrdiff_t>(16, content.end() - begin));
-  std::transform(start.begin(), start.end(), start.begin(), [](unsigned char character) {
-    return static_cast<char>(std::tolower(character));
-  });
-  return start.rfind("<!doctype html", 0) == 0 || start.rfind("<html", 0) == 0;
+  const std::string_view text = withoutPreamble(content);
+  return beginsWith(text, "<!doctype html") || beginsWith(text, "<html");
 }
 
 // The number in the first element of that name in a piece of the text; 0 when there is none.
@@ -73,6 +90,7 @@ std::string whatIsWrongWith(const std::string& path, unsigned long serial) {
   const std::string content = readFile(path);
   if (content.empty()) return "is empty";
   if (looksLikeWebPage(content)) return "is a web page instead of calibration data";
+  if (beginsWith(content, kCompressed)) return "is compressed";
   if (fs::path(path).filename() != calibrationXmlName(serial)) return "";
   return whatIsWrongWithXml(path, serial, content);
 }
