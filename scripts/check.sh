@@ -33,7 +33,7 @@ library_alone() {
 }
 
 format() {
-  find "$root"/{include,src,tools,examples,tests,fuzz,bench} -name '*.h' -print0 -o -name '*.cpp' -print0 |
+  find "$root"/{include,src,tools,examples,tests,fuzz,bench,python} -name '*.h' -print0 -o -name '*.cpp' -print0 |
     xargs -0 clang-format --dry-run -Werror
 }
 

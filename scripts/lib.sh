@@ -76,3 +76,6 @@ test_packages=(g++ clang 'libclang-rt-dev|libclang-rt-14-dev' ninja-build libgte
   nginx-light python3 python3-jsonschema ansible-core zsh fish groff-base locales)
 # shellcheck disable=SC2034
 check_packages=(clang-format clang-tidy shellcheck valgrind 'pkgconf|pkg-config' python3)
+# shellcheck disable=SC2034
+python_packages=(python3-dev python3-venv python3-pip python3-pybind11 python3-setuptools python3-wheel
+  python3-build python3-pytest python3-matplotlib mypy unzip)

@@ -6,7 +6,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 end_with_verdict "tests under the sanitizers"
 
-need_packages "${build_packages[@]}" "${tool_packages[@]}" "${test_packages[@]}"
+need_packages "${build_packages[@]}" "${tool_packages[@]}" "${test_packages[@]}" "${python_packages[@]}"
 cd "$root"
 step "Building into build-asan"
 cmake --preset asan

@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# Builds and installs the Python package as a user would, in a folder of its own.
+#
+#   scripts/python.sh install FOLDER   source package and wheel in FOLDER/dist, from a copy of the sources;
+#                                      the wheel looked through, and installed in a fresh environment
+#   scripts/python.sh asan FOLDER      installed from the sources, with the address sanitizer
+#   scripts/python.sh run FOLDER CMD.. runs a command with that environment's Python first in the path
+#
+# Without Debian's build tools for Python (nothing is fetched) it ends with 77: skipped.
+set -euo pipefail
+# shellcheck source=scripts/lib.sh
+source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
+
+python=${KALVISTA_PYTHON:-/usr/bin/python3}
+action=${1:?what to do: install, asan or run} folder=${2:?a folder}
+shift 2
+
+require_modules() {
+  "$python" -c "import $1" 2>/dev/null || {
+    echo "skipped: $python lacks one of these modules: $1; have ${python_packages[*]} installed"
+    exit 77
+  }
+}
+
+# What a fresh clone has of it, so that nothing is built among the sources.
+copy_sources() {
+  rm -rf "$folder"
+  mkdir -p "$folder/tree"
+  tar -C "$root" --exclude='build' --exclude='*.egg-info' --exclude=__pycache__ -c \
+    python include src cmake LICENSE | tar -C "$folder/tree" -x
+  "$python" -m venv --system-site-packages "$folder/env"
+}
+
+pip_install() {
+  "$folder/env/bin/python" -m pip install -q --no-build-isolation --no-deps "$1"
+}
+
+# The wheel holds licence, stubs and the mark of typed packages, and needs the C++ run-time only.
+look_through_wheel() {
+  local part
+  unzip -qo "$folder"/dist/*.whl -d "$folder/wheel"
+  for part in kalvista/_kalvista.pyi kalvista/py.typed 'kalvista-*.dist-info/LICENSE'; do
+    compgen -G "$folder/wheel/$part" >/dev/null || die "the wheel has no $part"
+  done
+  local module=("$folder"/wheel/kalvista/_kalvista*.so) others
+  others=$(objdump -p "${module[0]}" | awk '/NEEDED/ { print $2 }' |
+    grep -vE '^(libstdc\+\+|libgcc_s|libm|libc|ld-linux.*)\.so' || true)
+  [[ -z $others ]] || die "the module needs $others"
+  echo "newest symbol: $(objdump -T "${module[0]}" | grep -o 'GLIBC_[0-9.]*' | sort -uV | tail -1)"
+}
+
+case $action in
+  install)
+    require_modules "pybind11, setuptools, wheel, venv, ensurepip, build, pytest, mypy"
+    copy_sources
+    (cd "$folder/tree/python" && "$folder/env/bin/python" -m build --no-isolation -o "$folder/dist" .) >"$folder/build.log" ||
+      { cat "$folder/build.log" && die "no packages"; }
+    look_through_wheel
+    pip_install "$folder"/dist/*.whl
+    ;;
+  asan)
+    require_modules "pybind11, setuptools, wheel, venv, ensurepip, pytest"
+    copy_sources
+    CFLAGS="-fsanitize=address -fno-omit-frame-pointer" LDFLAGS="-fsanitize=address" pip_install "$folder/tree/python"
+    ;;
+  run)
+    [[ -x $folder/env/bin/python ]] || { echo "skipped: nothing is installed in $folder" && exit 77; }
+    if [[ $folder == *asan ]]; then
+      LD_PRELOAD="$(g++ -print-file-name=libasan.so) $(g++ -print-file-name=libstdc++.so)"
+      # The interpreter itself keeps memory to its end.
+      export LD_PRELOAD ASAN_OPTIONS=detect_leaks=0 PYTHONMALLOC=malloc
+    fi
+    PATH=$folder/env/bin:$PATH exec "$folder/env/bin/python" "$@"
+    ;;
+  *) die "unknown action $action; there are install, asan and run" ;;
+esac
