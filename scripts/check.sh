@@ -5,7 +5,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-all_checks=(plain_build library_alone format floors share scripts tidy install static memory demo abi manual packages benchmark)
+all_checks=(plain_build library_alone format floors share scripts tidy install static memory threads demo abi manual packages benchmark)
 serial=12345678
 work=$(mktemp -d /tmp/kalvista-check.XXXXXX)
 plain=$work/plain
@@ -164,6 +164,14 @@ memory() {
   "${tool[@]}" optics $serial "${options[@]}" --json >/dev/null
   "${tool[@]}" config $serial "${options[@]}" >/dev/null
   "${tool[@]}" params "$root/examples/imager.xml"
+}
+
+# Files read by threads side by side, with the log in all its forms, under the thread sanitizer.
+threads() {
+  cmake -S "$root" -B "$work/threads" -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+    -DCMAKE_CXX_FLAGS=-fsanitize=thread -DKALVISTA_BUILD_TESTS=ON -DKALVISTA_BUILD_TOOL=OFF
+  cmake --build "$work/threads" --parallel "$(nproc)" --target ThreadTest
+  "$work/threads/tests/sdk/ThreadTest"
 }
 
 # The demo, by a user without privileges, from a checkout with a blank in its path.

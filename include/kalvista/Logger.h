@@ -6,6 +6,7 @@
 #include <kalvista/Timer.h>
 #include <kalvista/export.h>
 
+#include <atomic>
 #include <cstdint>
 #include <fstream>
 #include <string>
@@ -37,7 +38,9 @@ constexpr loggerConf_ operator|(loggerConf_ a, loggerConf_ b) {
 /// Until configure() has run, messages are dropped; the first one of the process writes one line to
 /// standard error that says so.
 ///
-/// Thread context of all members: **one thread at a time**.
+/// Thread context: getInstance() and print() from **any thread**, as long as no thread runs
+/// configure() or releaseInstance() or changes a field meanwhile; a line stays whole. These two are
+/// **process-wide**.
 class KALVISTA_API Logger {
  public:
   /// Gives the one instance and makes it, not configured, when there is none.
@@ -82,6 +85,12 @@ class KALVISTA_API Logger {
   ardo::Timer timer;                   ///< started when the instance is made
 
   static Logger* m_;  ///< the instance; null when there is none
+
+ private:
+  friend struct LoggerInternals;
+
+  int descriptor_ = -1;  // of the log file, for lines in one piece
+  std::atomic<bool> fileWorks_{false};
 };
 
 }  // namespace brivex

@@ -10,8 +10,7 @@ namespace ardo {
 /// Stopwatch over the wall clock, in milliseconds.
 ///
 /// The wall clock may be set back while it runs; elapsed times are negative then.
-/// Thread context: **one thread at a time**, for the whole process: all timers share one record
-/// that the clock is read into.
+/// Thread context: **any thread**, on different timers.
 class KALVISTA_API Timer {
  public:
   /// Starts the stopwatch.

@@ -1,6 +1,7 @@
 #include <kalvista/IRLogger.h>
 
 #include "sdk/log/LogMessage.h"
+#include "sdk/text/NoThrow.h"
 
 namespace ardo {
 
@@ -27,9 +28,13 @@ void IRLogger::setVerbosity(IRLoggerVerbosityLevel console, IRLoggerVerbosityLev
   const int consoleSink =
       console == IRLOGGER_OFF ? brivex::LOGGER_CONSOLE_OFF : brivex::LOGGER_CONSOLE_ON;
   const bool named = filename != nullptr && *filename != '\0';
-  brivex::Logger::getInstance()->configure(
-      named ? filename : "tessacam.log", static_cast<brivex::loggerConf_>(fileSink + consoleSink),
-      static_cast<int>(threshold(file)), static_cast<int>(threshold(console)));
+  brivex::Logger* log = brivex::Logger::getInstance();
+  if (log == nullptr) return;
+  withoutThrowing([&] {
+    log->configure(named ? filename : "tessacam.log",
+                   static_cast<brivex::loggerConf_>(fileSink + consoleSink),
+                   static_cast<int>(threshold(file)), static_cast<int>(threshold(console)));
+  });
 }
 
 }  // namespace ardo

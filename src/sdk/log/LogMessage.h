@@ -4,6 +4,7 @@
 
 #include <kalvista/Logger.h>
 
+#include "sdk/text/NoThrow.h"
 #include "sdk/text/TextComposer.h"
 
 namespace ardo {
@@ -14,13 +15,15 @@ enum LogLevel : unsigned int { kLogError = 0, kLogWarning = 1, kLogInfo = 2, kLo
 // still to be written.
 bool logAccepts(unsigned int level);
 
-// Composes a message from its pieces and logs it.
+// Composes a message from its pieces and logs it. Without memory for it, it is lost.
 template <typename... Pieces>
 void logMessage(LogLevel level, const char* source, int line, const Pieces&... pieces) {
   if (!logAccepts(level)) return;
-  TextComposer message;
-  (message << ... << pieces);
-  brivex::Logger::getInstance()->print(level, source, line, message.text());
+  withoutThrowing([&] {
+    TextComposer message;
+    (message << ... << pieces);
+    brivex::Logger::getInstance()->print(level, source, line, message.text());
+  });
 }
 
 }  // namespace ardo

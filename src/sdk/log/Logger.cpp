@@ -1,11 +1,16 @@
+#include <fcntl.h>
 #include <kalvista/Logger.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
+#include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -15,7 +20,7 @@ namespace brivex {
 
 namespace {
 
-bool notConfiguredReported = false;
+std::atomic<bool> notConfiguredReported{false};
 
 std::string_view levelWord(unsigned int level) {
   switch (level) {
@@ -90,7 +95,7 @@ class Line {
   }
 
   const char* c_str() const { return long_.empty() ? short_.data() : long_.data(); }
-  std::streamsize size() const { return end_ - c_str(); }
+  std::size_t size() const { return static_cast<std::size_t>(end_ - c_str()); }
 
  private:
   char* begin() { return long_.empty() ? short_.data() : long_.data(); }
@@ -102,7 +107,9 @@ class Line {
 
 std::string decorateFileName(const std::string& base) {
   const std::time_t now = std::time(nullptr);
-  const std::tm& local = *std::localtime(&now);
+  std::tm local{};
+  tzset();
+  localtime_r(&now, &local);
   return base + "_" + std::to_string(local.tm_mday) + "_" + std::to_string(local.tm_mon + 1) + "_" +
          std::to_string(local.tm_year + 1900) + "_" + std::to_string(local.tm_hour) + "-" +
          std::to_string(local.tm_min) + "-" + std::to_string(local.tm_sec) + ".log";
@@ -121,27 +128,66 @@ bool consoleTakes(const Logger& log, unsigned int level) {
 }
 
 // Functions of their own, so that a message below the thresholds costs nothing of them.
-[[gnu::noinline]] Logger* makeInstance() { return Logger::m_ = new Logger; }
-
-[[gnu::noinline]] void reportNotConfigured(const Logger& log, std::string_view source, int line) {
-  if (notConfiguredReported) return;
-  const long double elapsed = log.timer.getTime();
-  std::fputs(Line("", source, line, elapsed, " Logger not configured!").c_str(), stderr);
-  notConfiguredReported = true;
+// Threads may come here together: one instance is kept.
+[[gnu::noinline]] Logger* makeInstance() {
+  std::unique_ptr<Logger> made(new (std::nothrow) Logger);
+  Logger* kept = nullptr;
+  const bool first = __atomic_compare_exchange_n(&Logger::m_, &kept, made.get(), false,
+                                                 __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE);
+  return first ? made.release() : kept;
 }
 
-[[gnu::noinline]] void write(Logger& log, unsigned int level, std::string_view source, int line,
-                             std::string_view message) {
-  const Line text(levelWord(level), source, line, log.timer.getTime(), message);
-  if (fileTakes(log, level)) log.stream.write(text.c_str(), text.size()).flush();
-  if (consoleTakes(log, level)) std::fputs(text.c_str(), stderr);
+[[gnu::noinline]] void reportNotConfigured(const Logger& log, std::string_view source, int line) {
+  if (notConfiguredReported.exchange(true)) return;
+  const long double elapsed = log.timer.getTime();
+  std::fputs(Line("", source, line, elapsed, " Logger not configured!").c_str(), stderr);
 }
 
 }  // namespace
 
+// The log file, for lines in one piece: one call for each, which no other thread's line can enter.
+// The rest of a line that does not fit on the disk is lost, and so are all after it.
+struct LoggerInternals {
+  static void open(Logger& log) {
+    try {
+      log.stream.open(log.filename, std::ios::out | std::ios::app);
+    } catch (const std::exception&) {
+      log.stream.close();
+      log.stream.setstate(std::ios::failbit);
+    }
+    if (log.stream.is_open()) {
+      log.descriptor_ = ::open(log.filename.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    }
+    log.fileWorks_ = log.descriptor_ >= 0;
+  }
+
+  static void close(Logger& log) {
+    if (log.stream.is_open()) log.stream.close();
+    if (log.descriptor_ >= 0) ::close(log.descriptor_);
+    log.descriptor_ = -1;
+    log.fileWorks_ = false;
+  }
+
+  static void write(Logger& log, const char* text, std::size_t size) {
+    while (size > 0 && log.fileWorks_.load(std::memory_order_relaxed)) {
+      const ssize_t written = ::write(log.descriptor_, text, size);
+      if (written < 0 && errno == EINTR) continue;
+      if (written <= 0) {
+        log.fileWorks_ = false;
+      } else {
+        text += written;
+        size -= static_cast<std::size_t>(written);
+      }
+    }
+  }
+};
+
 Logger* Logger::m_ = nullptr;
 
-Logger* Logger::getInstance() { return m_ != nullptr ? m_ : makeInstance(); }
+Logger* Logger::getInstance() {
+  Logger* log = __atomic_load_n(&m_, __ATOMIC_ACQUIRE);
+  return log != nullptr ? log : makeInstance();
+}
 
 void Logger::releaseInstance() {
   delete m_;
@@ -150,26 +196,38 @@ void Logger::releaseInstance() {
 
 Logger::Logger() = default;
 
-Logger::~Logger() {
-  if ((conf & LOGGER_FILE_ON) != 0) stream.close();
-}
+Logger::~Logger() { LoggerInternals::close(*this); }
 
 void Logger::configure(const std::string& file, loggerConf_ newConf, int newFileLevel,
                        int newConsoleLevel) {
+  try {
+    if (file != filename) filename = decorateFileName(file);
+  } catch (const std::exception&) {
+    return;
+  }
   fileLevel = static_cast<std::uint32_t>(newFileLevel);
   consoleLevel = static_cast<std::uint32_t>(newConsoleLevel);
-  if ((conf & LOGGER_FILE_ON) != 0) stream.close();
-  if (file != filename) filename = decorateFileName(file);
-  if ((newConf & LOGGER_FILE_ON) != 0) stream.open(filename, std::ios::out | std::ios::app);
+  LoggerInternals::close(*this);
+  if ((newConf & LOGGER_FILE_ON) != 0) LoggerInternals::open(*this);
   conf = newConf;
   configured = true;
 }
 
 void Logger::print(unsigned int level, const std::string& file, int line, const std::string& msg) {
-  if (!configured) {
-    reportNotConfigured(*this, file, line);
-  } else if (fileTakes(*this, level) || consoleTakes(*this, level)) {
-    write(*this, level, file, line, msg);
+  const bool toFile = configured && fileTakes(*this, level);
+  const bool toConsole = configured && consoleTakes(*this, level);
+  if (configured && !toFile && !toConsole) return;
+  try {
+    if (!configured) {
+      reportNotConfigured(*this, file, line);
+      return;
+    }
+    const Line text(levelWord(level), file, line, timer.getTime(), msg);
+    if (toFile) LoggerInternals::write(*this, text.c_str(), text.size());
+    if (toConsole) std::fputs(text.c_str(), stderr);
+  } catch (const std::exception&) {
+    // Without memory for the line it is lost, as on a full disk.
+    return;
   }
 }
 
@@ -178,9 +236,10 @@ void Logger::print(unsigned int level, const std::string& file, int line, const 
 namespace ardo {
 
 bool logAccepts(unsigned int level) {
-  const brivex::Logger& log = *brivex::Logger::getInstance();
-  if (!log.configured) return !brivex::notConfiguredReported;
-  return brivex::fileTakes(log, level) || brivex::consoleTakes(log, level);
+  const brivex::Logger* log = brivex::Logger::getInstance();
+  if (log == nullptr) return false;
+  if (!log->configured) return !brivex::notConfiguredReported;
+  return brivex::fileTakes(*log, level) || brivex::consoleTakes(*log, level);
 }
 
 }  // namespace ardo

@@ -3,18 +3,13 @@
 
 namespace ardo {
 
-namespace {
-
-timeval lastReading;
-
-}  // namespace
-
 Timer::Timer() : start(getTimeNow()) {}
 
 long double Timer::getTimeNow() {
-  gettimeofday(&lastReading, nullptr);
-  const double milliseconds = static_cast<double>(lastReading.tv_sec) * 1000.0 +
-                              static_cast<double>(lastReading.tv_usec) / 1000.0;
+  timeval now{};
+  gettimeofday(&now, nullptr);
+  const double milliseconds =
+      static_cast<double>(now.tv_sec) * 1000.0 + static_cast<double>(now.tv_usec) / 1000.0;
   return milliseconds;
 }
 
