@@ -1,5 +1,3 @@
-#include <algorithm>
-
 #include "answer/Console.h"
 #include "commands/Commands.h"
 #include "lint/Lint.h"
@@ -19,21 +17,6 @@ void declare(CLI::App& app, OwnOptions& own) {
       ->required();
 }
 
-struct Place {
-  std::size_t line;
-  std::size_t column;  // in characters of UTF-8
-};
-
-Place placeOf(const std::string& document, std::size_t offset) {
-  const std::string_view before = std::string_view(document).substr(0, offset);
-  const auto lines = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
-  const std::size_t lineBegin = before.rfind('\n') + 1;  // 0 when there is none
-  const auto characters =
-      std::count_if(before.begin() + static_cast<std::ptrdiff_t>(lineBegin), before.end(),
-                    [](char byte) { return (byte & '\xC0') != '\x80'; });
-  return {lines + 1, static_cast<std::size_t>(characters) + 1};
-}
-
 Answer run(const CommonOptions&, const OwnOptions& own) {
   const bool fromStream = own.file == kStandardStream;
   if (!fromStream) requireFileReadable(own.file, "file");
@@ -42,14 +25,13 @@ Answer run(const CommonOptions&, const OwnOptions& own) {
   Answer answer;
   Json findings = Json::array();
   for (const Finding& finding : lint(document)) {
-    const Place place = placeOf(document, finding.offset);
-    findings.push_back({{"line", place.line},
-                        {"column", place.column},
+    findings.push_back({{"line", finding.line},
+                        {"column", finding.column},
                         {"path", finding.path},
                         {"message", finding.message}});
     answer.text +=
-        printable(own.file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column) +
-                  ": " + finding.path + ": " + finding.message) +
+        printable(own.file + ":" + std::to_string(finding.line) + ":" +
+                  std::to_string(finding.column) + ": " + finding.path + ": " + finding.message) +
         "\n";
   }
   const std::size_t count = findings.size();

@@ -90,7 +90,8 @@ const Format& deviceConfigurationFormat() {
   static const Format format = {
       "imager",
       deviceConfigurationElements(),
-      {{"min", "max", false, std::nullopt}, {"mininterval", "maxinterval", true, 0}}};
+      {{"min", "max", false, std::nullopt}, {"mininterval", "maxinterval", true, 0}},
+      {}};
   return format;
 }
 
@@ -100,7 +101,8 @@ const Format& calibrationFormat() {
                                 calibrationElements(),
                                 {{"TempLo", "TempHi", false, std::nullopt},
                                  {"TempLoExt", "TempLo", true, notGiven},
-                                 {"TempHi", "TempHiExt", true, notGiven}}};
+                                 {"TempHi", "TempHiExt", true, notGiven}},
+                                {"Main", "Temperature", "Optics"}};
   return format;
 }
 

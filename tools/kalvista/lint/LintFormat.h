@@ -52,6 +52,7 @@ struct Format {
   std::string_view root;
   std::vector<ElementRule> elements;
   std::vector<OrderRule> orders;
+  std::vector<std::string_view> levels;  // that the reader does without
 
   const ElementRule* find(std::string_view name) const;
 };

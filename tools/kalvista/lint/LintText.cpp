@@ -55,7 +55,8 @@ class TextCheck {
 
  private:
   void report(std::size_t offset, const std::string& message) {
-    findings_.push_back({offset, std::string(nameAt(document_, root_ + 1)), message});
+    if (findings_.size() > kMostFindings) return;
+    findings_.push_back({offset, pathOf({std::string(nameAt(document_, root_ + 1))}), message});
   }
 
   const Format* chooseFormat() {
@@ -197,9 +198,27 @@ void blankOut(std::string& text, std::size_t from, std::size_t to) {
   }
 }
 
+std::string pathOf(const std::vector<std::string>& steps) {
+  constexpr std::size_t kMostSteps = 12;
+  constexpr std::size_t kLongestStep = 60;
+  std::string path;
+  for (std::size_t i = 0; i < steps.size(); ++i) {
+    const bool leftOut = steps.size() > kMostSteps && i >= kMostSteps / 2 && i + 1 < steps.size();
+    if (leftOut && i > kMostSteps / 2) continue;
+    const std::string& step = steps[i];
+    path += path.empty() ? "" : "/";
+    path += leftOut                       ? "..."
+            : step.size() <= kLongestStep ? step
+                                          : step.substr(0, kLongestStep) + "...";
+  }
+  return path;
+}
+
 LintText readAsText(const std::string& document, Findings& findings) {
   LintText text;
   text.view = document;
+  // A line's carriage return is blank to the eye, yet the reader keeps it, unlike what is cut.
+  std::replace(text.view.begin(), text.view.end(), kBlank, '\t');
   TextCheck(document, text, findings);
   if (text.format == nullptr && findings.empty()) {
     findings.push_back({0, "document", "no root element, expected imager or CaliData"});

@@ -15,8 +15,16 @@ struct Finding {
   std::size_t offset = 0;
   std::string path;  // of elements: "imager/temperature/min"
   std::string message;
+  std::size_t line = 0;
+  std::size_t column = 0;  // in characters of UTF-8
 };
 using Findings = std::vector<Finding>;
+
+// A file with more is mended in steps.
+constexpr std::size_t kMostFindings = 1000;
+
+// "imager/temperature/min"; what lies between is left out of a long one.
+std::string pathOf(const std::vector<std::string>& steps);
 
 // Takes the place of what the reader cuts out, so that all else keeps its place. White space to an
 // XML parser.

@@ -12,11 +12,17 @@ namespace tool {
 namespace {
 
 constexpr int kMostFaults = 100;
+// Each fault costs a run of the parser up to it; all runs together read no more than this, beyond
+// the first faults.
+constexpr std::size_t kMostRead = std::size_t{16} << 20;
+constexpr int kFewestFaults = 4;
+// Formats are eight deep.
+constexpr std::size_t kDeepest = 100;
 
 // One run of the XML parser over the document.
 class Parse {
  public:
-  explicit Parse(const std::string& view) {
+  explicit Parse(const std::string& view, ElementVisitor* visitor = nullptr) : visitor_(visitor) {
     // Any byte is a character, and offsets are bytes: the reader does not care for encodings.
     const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(
         XML_ParserCreate("ISO-8859-1"), XML_ParserFree);
@@ -31,8 +37,9 @@ class Parse {
     errorAt = position();
   }
 
-  std::vector<Element> elements;
-  std::vector<std::size_t> open;
+  Elements open;
+  Element root;          // without its end
+  std::size_t seen = 0;  // behind the last opening tag
   XML_Error error = XML_ERROR_NONE;
   std::size_t errorAt = 0;
 
@@ -43,41 +50,47 @@ class Parse {
   std::size_t positionBehind() const {
     return position() + static_cast<std::size_t>(XML_GetCurrentByteCount(parser_));
   }
+  void stop() { XML_StopParser(parser_, XML_FALSE); }
 
   static void onOpening(void* self, const XML_Char* name, const XML_Char** /*attributes*/) {
     auto& parse = *static_cast<Parse*>(self);
     Element element;
     element.name = name;
-    if (!parse.open.empty()) element.parent = parse.open.back();
     element.begin = parse.position();
-    element.contentBegin = element.contentEnd = element.end = parse.positionBehind();
-    parse.open.push_back(parse.elements.size());
-    parse.elements.push_back(std::move(element));
+    element.contentBegin = element.contentEnd = element.end = parse.seen = parse.positionBehind();
+    if (parse.open.empty()) parse.root = element;
+    parse.open.push_back(std::move(element));
+    if (parse.visitor_ != nullptr) parse.visitor_->onOpened(parse.open);
+    if (parse.open.size() > kDeepest) parse.stop();
   }
 
   static void onClosing(void* self, const XML_Char* /*name*/) {
     auto& parse = *static_cast<Parse*>(self);
-    Element& element = parse.elements[parse.open.back()];
+    // An element that closes itself is still shown when its opening has stopped the parser.
+    if (parse.open.size() > kDeepest) return;
+    Element& element = parse.open.back();
     element.contentEnd = parse.position();
     element.end = parse.positionBehind();
+    if (parse.visitor_ != nullptr && !parse.visitor_->onClosed(parse.open)) parse.stop();
     parse.open.pop_back();
   }
 
   static void onText(void* self, const XML_Char* text, int length) {
     auto& parse = *static_cast<Parse*>(self);
-    Element& element = parse.elements[parse.open.back()];
+    Element& element = parse.open.back();
     const auto size = static_cast<std::size_t>(length);
     const std::size_t ink = findInk({text, size}, 0, size);
     if (element.ownText == kNowhere && ink < size) element.ownText = parse.position() + ink;
   }
 
+  ElementVisitor* visitor_;
   XML_Parser parser_ = nullptr;
 };
 
 class Mending {
  public:
-  Mending(std::string& view, const Parse& parse, Findings& findings)
-      : view_(view), parse_(parse), findings_(findings) {}
+  Mending(std::string& view, const Parse& parse, const Format& format, Findings& findings)
+      : view_(view), parse_(parse), format_(format), findings_(findings) {}
 
   // False when there is nothing more to be seen behind the fault.
   bool mend() {
@@ -86,6 +99,12 @@ class Mending {
         return mendMismatch();
       case XML_ERROR_NO_ELEMENTS:
         return !parse_.open.empty() && mendUnclosed("expected its closing tag");
+      case XML_ERROR_ABORTED:
+        report(parse_.open.back().begin,
+               "elements stand deeper than " + std::to_string(kDeepest) +
+                   " within each other, and no more is looked at, expected " +
+                   std::string(format_.root) + " as its description has it");
+        return false;
       case XML_ERROR_JUNK_AFTER_DOC_ELEMENT:
         report(parse_.errorAt, "text behind the root is lost, expected the end of the document");
         return false;
@@ -96,9 +115,9 @@ class Mending {
 
  private:
   void report(std::size_t offset, const std::string& message) {
-    std::string path;
-    for (const std::size_t index : parse_.open) path += "/" + parse_.elements[index].name;
-    findings_.push_back({offset, path.empty() ? "document" : path.substr(1), message});
+    std::vector<std::string> steps;
+    for (const Element& element : parse_.open) steps.push_back(element.name);
+    findings_.push_back({offset, steps.empty() ? "document" : pathOf(steps), message});
   }
 
   // With its text, which would become its parent's.
@@ -107,7 +126,7 @@ class Mending {
   }
 
   bool mendUnclosed(const std::string& expected) {
-    const Element& innermost = parse_.elements[parse_.open.back()];
+    const Element& innermost = parse_.open.back();
     report(innermost.begin, "not closed, " + expected);
     blankOpening(innermost);
     return parse_.open.size() > 1;
@@ -119,9 +138,14 @@ class Mending {
         parse_.errorAt, view_.find_first_of("> \t\r\n", parse_.errorAt) - parse_.errorAt);
     const bool closesOuter =
         std::any_of(parse_.open.begin(), parse_.open.end(),
-                    [&](std::size_t index) { return parse_.elements[index].name == name; });
-    const std::string& innermost = parse_.elements[parse_.open.back()].name;
+                    [&](const Element& element) { return element.name == name; });
+    const std::string& innermost = parse_.open.back().name;
     if (closesOuter) return mendUnclosed("expected </" + innermost + "> ahead of </" + name + ">");
+    if (format_.find(innermost) == nullptr && format_.find(name) != nullptr) {
+      report(parse_.open.back().begin,
+             "<" + innermost + "> is closed by </" + name + ">, expected <" + name + ">");
+      return mendMisspeltClosing(innermost, end);
+    }
     report(parse_.errorAt - 2,
            "</" + name + "> closes no element here, expected </" + innermost + ">");
     // The closing tag of the innermost element, misspelt, or one too many.
@@ -134,18 +158,17 @@ class Mending {
   }
 
   bool mendMisspeltClosing(const std::string& name, std::size_t end) {
-    const Element& element = parse_.elements[parse_.open.back()];
+    const Element& element = parse_.open.back();
     blankOpening(element);
     blankOut(view_, parse_.errorAt - 2, end + 1);
-    return name != parse_.elements.front().name;
+    return name != parse_.root.name;
   }
 
   bool mendToken() {
     report(parse_.errorAt, std::string(XML_ErrorString(parse_.error)) + ", expected XML");
     const std::size_t last = parse_.errorAt < view_.size() ? parse_.errorAt : view_.size() - 1;
     const std::size_t bracket = view_.rfind('<', last);
-    const std::size_t seen = parse_.elements.empty() ? 0 : parse_.elements.back().contentBegin;
-    if (bracket == kNowhere || bracket < seen || view_.find('>', bracket) < last) {
+    if (bracket == kNowhere || bracket < parse_.seen || view_.find('>', bracket) < last) {
       return blankByte(last);
     }
     // Attributes are not the reader's: without them the tag may do.
@@ -167,40 +190,30 @@ class Mending {
 
   std::string& view_;
   const Parse& parse_;
+  const Format& format_;
   Findings& findings_;
 };
 
 }  // namespace
 
-std::vector<Element> parseElements(std::string view, Findings& findings) {
+void visitElements(std::string view, const Format& format, Findings& findings,
+                   ElementVisitor& visitor) {
+  std::size_t read = 0;
   for (int faults = 0;; ++faults) {
-    Parse parse(view);
-    if (parse.error == XML_ERROR_NONE) return std::move(parse.elements);
-    if (faults == kMostFaults) {
+    const Parse parse(view);
+    if (parse.error == XML_ERROR_NONE) break;
+    read += parse.errorAt;
+    if (faults == kMostFaults || (faults >= kFewestFaults && read > kMostRead)) {
       findings.push_back(
           {parse.errorAt, "document", "more faults than can be told at once follow, expected XML"});
-      return {};
+      return;
     }
-    if (!Mending(view, parse, findings).mend()) return std::move(parse.elements);
+    if (!Mending(view, parse, format, findings).mend()) break;
   }
-}
-
-std::string pathOf(const std::vector<Element>& elements, std::size_t index, const Format& format) {
-  std::string path;
-  for (; index != kNowhere; index = elements[index].parent) {
-    const Element& element = elements[index];
-    std::string step = element.name;
-    const ElementRule* rule = format.find(element.name);
-    if (rule != nullptr && rule->repeated) {
-      const auto end = elements.begin() + static_cast<std::ptrdiff_t>(index) + 1;
-      const auto number = std::count_if(elements.begin(), end, [&](const Element& other) {
-        return other.parent == element.parent && other.name == element.name;
-      });
-      step += "[" + std::to_string(number) + "]";
-    }
-    path = path.empty() ? step : step + "/" + path;
-  }
-  return path;
+  Parse last(view, &visitor);
+  if (last.open.empty()) return;
+  last.open.resize(1);  // the root, behind which the document ends or is lost
+  visitor.onClosed(last.open);
 }
 
 }  // namespace tool

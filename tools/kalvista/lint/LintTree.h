@@ -14,19 +14,27 @@ constexpr std::size_t kNowhere = std::string::npos;
 
 struct Element {
   std::string name;
-  std::size_t parent = kNowhere;  // its index; kNowhere for the root
-  std::size_t begin = 0;          // of the opening tag
+  std::size_t begin = 0;  // of the opening tag
   std::size_t contentBegin = 0;
   std::size_t contentEnd = 0;
   std::size_t end = 0;             // of the closing tag
   std::size_t ownText = kNowhere;  // where text outside of children begins
 };
+using Elements = std::vector<Element>;
 
-// Each fault of form is reported and mended, so that the elements behind it are seen as well.
-std::vector<Element> parseElements(std::string view, Findings& findings);
+class ElementVisitor {
+ public:
+  virtual ~ElementVisitor() = default;
+  // The element, of which nothing but its opening tag is known yet, is the last of those open.
+  virtual void onOpened(const Elements& open) = 0;
+  // The element, all known, is still the last of those open. False when no more is to be shown.
+  virtual bool onClosed(const Elements& open) = 0;
+};
 
-// "CaliData/Temperature/Optics/OpticsDef[2]": elements that may be repeated are numbered.
-std::string pathOf(const std::vector<Element>& elements, std::size_t index, const Format& format);
+// Each fault of form is reported and mended, so that the elements behind it are seen as well. No
+// more is kept than the elements that are open, and these are never more than a hundred.
+void visitElements(std::string view, const Format& format, Findings& findings,
+                   ElementVisitor& visitor);
 
 }  // namespace tool
 

@@ -15,11 +15,6 @@ namespace {
 // What a file name or a command of the library cannot hold.
 constexpr std::string_view kNotInNames = "/\\\"'`$&|;<>()*?[]{}~!#";
 
-std::string quoted(const std::string& value) {
-  constexpr std::size_t kMostShown = 40;
-  return "\"" + (value.size() <= kMostShown ? value : value.substr(0, kMostShown) + "...") + "\"";
-}
-
 std::string numberOf(double number) {
   if (std::floor(number) == number && std::abs(number) < 1e15) {
     return std::to_string(static_cast<std::int64_t>(number));
@@ -119,6 +114,11 @@ std::string checkTruth(const std::string& value) {
 }
 
 }  // namespace
+
+std::string quoted(const std::string& value) {
+  constexpr std::size_t kMostShown = 40;
+  return "\"" + (value.size() <= kMostShown ? value : value.substr(0, kMostShown) + "...") + "\"";
+}
 
 ValueCheck checkValue(const ElementRule& rule, const std::string& value) {
   switch (rule.kind) {

@@ -14,6 +14,8 @@ struct ValueCheck {
   std::optional<double> number;  // what the reader makes of it, when it is a number
 };
 
+std::string quoted(const std::string& value);  // a long one is cut
+
 ValueCheck checkValue(const ElementRule& rule, const std::string& value);
 
 }  // namespace tool

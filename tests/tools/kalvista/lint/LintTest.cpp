@@ -26,3 +26,15 @@ TEST_F(Lint, TheSampleAndTheDefaultDocumentPass) {
                kLint + "{} \\;"),
       "");
 }
+
+// What takes minutes for each when time or memory grows with the square.
+TEST_F(Lint, LargeFilesOfOneKind) {
+  for (const std::string part : {"<a>", "<x/>", "<Fov>1</Fov>\n", "<fov>1</fov>", "<!--", "-->",
+                                 "&amp;", "</x>", "<x a=''>", "\x7F<"}) {
+    std::string text = "<imager>\n";
+    while (text.size() < 1U << 21) text += part;
+    writeFile("x.xml", text + "\n</imager>\n");
+    EXPECT_EQ(outputOf("(ulimit -v 400000; " + kLint + "x.xml > /dev/null 2>&1; echo $?)"), "1\n")
+        << part;
+  }
+}
