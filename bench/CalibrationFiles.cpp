@@ -127,7 +127,9 @@ class CalibrationWriter {
     xml_.value("FOV", integer(6, 90));
     xml_.value("SerNo", std::to_string(10001 + index));
     if (kind_ != Kind::Sparse) {
-      xml_.value("Text", index % 2 == 0 ? "T" : "wide");
+      xml_.value("Text", kind_ == Kind::Distinct ? "T" + std::to_string(index)
+                         : index % 2 == 0        ? "T"
+                                                 : "wide");
       xml_.value("SamplePointCali", index % 2 == 0 ? "false" : "True");
     }
     xml_.open("TempRanges");

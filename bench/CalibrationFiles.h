@@ -11,6 +11,7 @@ namespace bench {
 enum class Kind {
   Full,       // every key, 3 ranges an optics, 3 frame rates a range
   Commented,  // as Full, with a comment at every element
+  Distinct,   // as Full, with a text of its own for each optics
   Sparse,     // as Full, without the keys that a file may lack
   OneRange,   // one range with all the frame rates
 };

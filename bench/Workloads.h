@@ -31,13 +31,15 @@ void benchOpen(Bench& bench);       // SimpleXML::open against the floors
 void benchLookups(Bench& bench);    // SimpleXML lookups, in total and as they grow
 void benchMemory(Bench& bench);     // peak memory of a load, in processes of their own
 void benchCheck(Bench& bench);      // checkCalibration
+void benchQueries(Bench& bench);    // calls that go through all optics, and getFramerate
 void benchFileNames(Bench& bench);  // caliFilenameString
 void benchLog(Bench& bench);        // Logger against spdlog
 void benchDlopen(Bench& bench);     // dlopen, in processes of their own
 
 // What a process that was started by benchMemory does: loads one file with the library or a peer
-// and prints by how many KB its peak memory rose.
-void loadAndPrintPeak(const std::string& reader, const std::string& folder, int serial);
+// and prints by how many KB its peak memory rose, or by how many it was above what is left.
+enum class Peak { AboveStart, AboveModel };
+void loadAndPrintPeak(Peak peak, const std::string& reader, const std::string& folder, int serial);
 
 // Name of the library among the contestants.
 constexpr const char* kLibrary = "kalvista";

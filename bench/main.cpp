@@ -19,9 +19,9 @@ struct Group {
 };
 
 constexpr Group kGroups[] = {
-    {"load", bench::benchLoads},    {"open", bench::benchOpen},     {"lookup", bench::benchLookups},
-    {"memory", bench::benchMemory}, {"check", bench::benchCheck},   {"name", bench::benchFileNames},
-    {"log", bench::benchLog},       {"dlopen", bench::benchDlopen},
+    {"load", bench::benchLoads},     {"open", bench::benchOpen},   {"lookup", bench::benchLookups},
+    {"memory", bench::benchMemory},  {"check", bench::benchCheck}, {"query", bench::benchQueries},
+    {"name", bench::benchFileNames}, {"log", bench::benchLog},     {"dlopen", bench::benchDlopen},
 };
 
 constexpr const char* kHelp =
@@ -122,8 +122,10 @@ void run(const Options& options) {
 int main(int argc, char** argv) try {
   ardo::IRLogger::setVerbosity(ardo::IRLOGGER_OFF, ardo::IRLOGGER_OFF, nullptr);
   const std::vector<std::string> arguments(argv + 1, argv + argc);
-  if (arguments.size() == 4 && arguments[0] == "--load-once") {
-    bench::loadAndPrintPeak(arguments[1], arguments[2], std::stoi(arguments[3]));
+  if (arguments.size() == 4 && arguments[0].rfind("--peak-above-", 0) == 0) {
+    const bench::Peak peak =
+        arguments[0] == "--peak-above-model" ? bench::Peak::AboveModel : bench::Peak::AboveStart;
+    bench::loadAndPrintPeak(peak, arguments[1], arguments[2], std::stoi(arguments[3]));
     return 0;
   }
   Options options;
