@@ -148,8 +148,8 @@ std::string accessProblem(const Camera& camera) {
     return what + std::strerror(errno) + "; a container must be given the devices below " +
            kDeviceNodes;
   }
-  return what + "no permission; install the package kalvista-tools, which lets the group plugdev " +
-         "open it, join that group, and plug the camera in again";
+  return what + "no permission; run as a user who may open it, or have a udev rule give it to a " +
+         "group that you are in";
 }
 
 }  // namespace tool
