@@ -46,7 +46,7 @@ std::string_view textBetween(const char* begin, const char* end) {
   return {begin, static_cast<std::size_t>(end - begin)};
 }
 
-class ElementScan : public ardo::LineReceiver {
+class ElementScan final : public ardo::LineReceiver {
  public:
   explicit ElementScan(Records& records) : records_(records) {}
 
@@ -108,8 +108,8 @@ class ElementScan : public ardo::LineReceiver {
   using FollowerTable = std::array<std::array<Followers, 2>, kNoElement + 1>;
 
   // From the closing tag of a value to the end of the next opening tag. It is kept when the piece
-  // that held it is gone; a long one is not worth it.
-  class Step {
+  // that held it is gone; a long one is not worth it. Nothing is read of it before it is set.
+  class Step {  // NOLINT(cppcoreguidelines-pro-type-member-init)
    public:
     void set(std::string_view text, std::uint8_t next) {
       size_ = text.size() <= text_.size() ? text.copy(text_.data(), text.size()) : 0;

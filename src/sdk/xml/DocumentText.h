@@ -28,11 +28,10 @@ class LineReceiver {
   // a zero byte. False when no more are wanted.
   virtual bool take(std::string_view lines) = 0;
 
- protected:
   LineReceiver() = default;
-  ~LineReceiver() = default;
-  LineReceiver(const LineReceiver&) = default;
-  LineReceiver& operator=(const LineReceiver&) = default;
+  virtual ~LineReceiver() = default;
+  LineReceiver(const LineReceiver&) = delete;
+  LineReceiver& operator=(const LineReceiver&) = delete;
 };
 
 // Gives out the same lines with their ends, but without comments, and keeps none of them. A comment
