@@ -24,7 +24,10 @@ using Elements = std::vector<Element>;
 
 class ElementVisitor {
  public:
+  ElementVisitor() = default;
   virtual ~ElementVisitor() = default;
+  ElementVisitor(const ElementVisitor&) = delete;
+  ElementVisitor& operator=(const ElementVisitor&) = delete;
   // The element, of which nothing but its opening tag is known yet, is the last of those open.
   virtual void onOpened(const Elements& open) = 0;
   // The element, all known, is still the last of those open. False when no more is to be shown.

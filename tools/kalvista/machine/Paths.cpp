@@ -87,8 +87,9 @@ std::string userConfigurationDir() {
     return value != nullptr && *value == '/' ? std::string(value) : "";
   };
   std::string directory = absoluteFrom("XDG_CONFIG_HOME");
-  if (directory.empty() && !absoluteFrom("HOME").empty())
+  if (directory.empty() && !absoluteFrom("HOME").empty()) {
     directory = absoluteFrom("HOME") + "/.config";
+  }
   return directory.empty() ? "" : absolutePath(directory + "/kalvista");
 }
 
