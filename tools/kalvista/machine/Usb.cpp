@@ -39,7 +39,8 @@ std::string nodeOf(const fs::path& device) {
   std::string node = kDeviceNodes;
   for (const char* attribute : {"busnum", "devnum"}) {
     const std::string number = readAttribute(device, attribute);
-    const bool isNumber = !number.empty() && number.find_first_not_of("0123456789") == number.npos;
+    const bool isNumber =
+        !number.empty() && number.find_first_not_of("0123456789") == std::string::npos;
     if (!isNumber) return "";
     node += "/" + std::string(kDigits - std::min(kDigits, number.size()), '0') + number;
   }
