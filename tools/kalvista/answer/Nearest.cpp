@@ -34,8 +34,7 @@ std::string lowered(std::string_view name) {
 
 // Names whose lengths differ by more need no comparison, however long they are.
 bool isFarInLength(std::string_view one, std::string_view other) {
-  const auto [shorter, longer] = std::minmax(one.size(), other.size());
-  return longer - shorter > kMostDifferent;
+  return std::max(one.size(), other.size()) - std::min(one.size(), other.size()) > kMostDifferent;
 }
 
 }  // namespace
