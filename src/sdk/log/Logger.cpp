@@ -168,7 +168,11 @@ struct LoggerInternals {
     log.fileWorks_ = false;
   }
 
+  // A stream that the application has opened itself has no descriptor here.
   static void write(Logger& log, const char* text, std::size_t size) {
+    if (log.descriptor_ < 0 && log.stream.is_open()) {
+      log.stream.write(text, static_cast<std::streamsize>(size)).flush();
+    }
     while (size > 0 && log.fileWorks_.load(std::memory_order_relaxed)) {
       const ssize_t written = ::write(log.descriptor_, text, size);
       if (written < 0 && errno == EINTR) continue;

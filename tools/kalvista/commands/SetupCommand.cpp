@@ -74,7 +74,7 @@ std::string readyText(const Answer& answer, const CommonOptions& common) {
 // A configuration that is there is found again by every user, whoever wrote it.
 std::string defaultConfiguration(const CommonOptions& common, unsigned long serial) {
   const std::string name = "/config-" + std::to_string(serial) + ".xml";
-  const std::string shared = common.calibrationDir + name;
+  std::string shared = common.calibrationDir + name;
   std::error_code error;
   if (std::filesystem::exists(shared, error) || mayWrite(common.calibrationDir)) return shared;
   const std::string directory = userConfigurationDir();
