@@ -198,10 +198,10 @@ class KALVISTA_API ConfigCali {
   /// @return new record; null when not found
   Range* getTempRange(int fov, char* text, int index) const;
   /// Gives the extended interval of a temperature range.
-  /// @copydetails getTempRange(OPTICS*, int)
+  /// @copydetails getTempRange(OPTICS*, int) const
   Range* getExtendedTempRange(OPTICS* optics, int index) const;
   /// Gives the extended interval of a temperature range.
-  /// @copydetails getTempRange(int, char*, int)
+  /// @copydetails getTempRange(int, char*, int) const
   Range* getExtendedTempRange(int fov, char* text, int index) const;
   /// Gives the extended interval of a temperature range.
   /// @param fov field of view, in degrees
