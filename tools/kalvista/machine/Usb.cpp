@@ -149,8 +149,9 @@ std::string accessProblem(const Camera& camera) {
     return what + std::strerror(errno) + "; a container must be given the devices below " +
            kDeviceNodes;
   }
-  return what + "no permission; run as a user who may open it, or have a udev rule give it to a " +
-         "group that you are in";
+  return what +
+         "no permission; sit at this machine or join the group plugdev, after \"systemctl "
+         "enable --now kalvista-cameras.service\" by root";
 }
 
 }  // namespace tool
