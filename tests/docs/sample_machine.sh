@@ -18,7 +18,8 @@ for folder in /usr/share /var/lib /tmp /media; do
     -o "lowerdir=$folder,upperdir=/mnt/upper$folder,workdir=/mnt/work$folder"
 done
 mount -t tmpfs tmpfs /sys/bus
-mkdir -p /sys/bus/usb/devices /mnt/{bin,camera,home} /usr/share/libkalvista/cali
+mkdir -p /sys/bus/usb/devices /mnt/{bin,camera,home} /usr/share/{libkalvista/cali,kalvista}
+cp "$source"/docs/schema/*.xsd /usr/share/kalvista
 ln -s /mnt/camera /sys/bus/usb/devices/1-1
 (cd /mnt/camera && echo 0403 >idVendor && echo "${USB_PRODUCT_ID:-7d3a}" >idProduct && echo 12345678 >serial)
 cp -r "$source/examples/repository" /media/usb

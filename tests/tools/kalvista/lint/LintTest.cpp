@@ -29,6 +29,29 @@ TEST_F(Lint, TheSampleAndTheDefaultDocumentPass) {
       "");
 }
 
+// Editors check by the schemas. What sed makes of the sample is wrong to both, first in the same
+// line.
+TEST_F(Lint, TheSchemasAgree) {
+  if (outputOf("command -v xmllint").empty()) GTEST_SKIP() << "not installed: xmllint";
+  const std::string first = " x.xml 2>&1 | sed -n 's/^\\S*x.xml:\\([0-9]*\\):.*/\\1/p' | head -1";
+  const auto expectSame = [&](const std::string& sample, const std::string& schema,
+                              const std::vector<std::string>& edits) {
+    for (const std::string& edit : edits) {
+      outputOf("sed '" + edit + "' " + sample + " > x.xml");
+      const std::string line = outputOf(kLint + first);
+      EXPECT_EQ(line.empty(), edit.empty()) << schema << ": " << edit;
+      EXPECT_EQ(line, outputOf("xmllint --noout --schema " SCHEMAS "/" + schema + first)) << edit;
+    }
+  };
+  expectSame(SAMPLE_CONFIGURATION, "device-configuration.xsd",
+             {"", "s/>100</>010</", "s/>32.0</>32,5</", "s/fov>/fow>/g",
+              "s/<focus>/<focus unit=\"percent\">/", "s/>50.0</>150</", "s/>macro</> macro</",
+              "s/<average>.*/<min>1<\\/min>/", "s/<bispectral>.*/&&/", "s/<autoflag>/&x/"});
+  expectSame("'"s + kSample + "/'*.xml", "calibration.xsd",
+             {"", "s/<FR>27/<FR>65563/", "s/>33</>0</", "s/>macro</>ma*ro</", "s/>true</>yes</I",
+              "s/TecB>/TecX>/g"});
+}
+
 // What takes minutes for each when time or memory grows with the square.
 TEST_F(Lint, LargeFilesOfOneKind) {
   // The sanitizers take memory of their own.
