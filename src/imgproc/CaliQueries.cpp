@@ -13,15 +13,17 @@ constexpr int kNoSuchFramerate = -2;
 
 const char* textOrEmpty(const char* text) { return text != nullptr ? text : ""; }
 
+// Most keys are made from the model's records and share their text.
 bool isSameText(const char* one, const char* other) {
-  return std::strcmp(textOrEmpty(one), textOrEmpty(other)) == 0;
+  return one == other || std::strcmp(textOrEmpty(one), textOrEmpty(other)) == 0;
 }
 
 template <typename Record, typename Matches>
 int indexOf(Record* const* records, int count, Matches matches) {
-  Record* const* end = records + count;
-  Record* const* found = std::find_if(records, end, matches);
-  return found == end ? kNotFound : static_cast<int>(found - records);
+  for (int index = 0; index < count; ++index) {
+    if (matches(records[index])) return index;
+  }
+  return kNotFound;
 }
 
 bool isIndex(int index, int count) { return index >= 0 && index < count; }
