@@ -9,7 +9,10 @@ if [[ ${3:-} != --inside ]]; then
     echo "skipped: needs mount namespaces and overlays, which root has on most machines"
     exit 77
   }
-  exec unshare --mount "$0" "$source" "$tool" --inside "${@:3}"
+  for program in nginx openssl ip; do
+    command -v "$program" >/dev/null || { echo "skipped: needs $program" && exit 77; }
+  done
+  exec unshare --mount --net "$0" "$source" "$tool" --inside "${@:3}"
 fi
 mount -t tmpfs tmpfs /mnt
 for folder in /usr/share /var/lib /tmp /media; do
@@ -25,16 +28,25 @@ ln -s /mnt/camera /sys/bus/usb/devices/1-1
 cp -r "$source/examples/repository" /media/usb
 cp -r "$source"/examples/*.{xml,cpp} "$source"/docs/examples/* /mnt/home
 ln -s "$tool" /mnt/bin/kalvista
-# The network: wget [OPTION...] ADDRESS -O FILE
-cat >/mnt/bin/wget <<'WGET'
-#!/usr/bin/env bash
-while [[ $1 == -* ]]; do shift; done
-case $1 in
-  */downloadlinks.xml) cp /mnt/home/downloadlinks.xml "$3" ;;
-  https://files.example.com/calibration/*) cp "/media/usb/${1#*/calibration/}" "$3" ;;
-  *) exit 4 ;;
-esac
-WGET
-chmod +x /mnt/bin/wget
+# The network: a server on the loopback that has every name, and the certificates for it.
+ip link set lo up
+for file in /etc/hosts /etc/ssl/certs/ca-certificates.crt; do
+  touch "/mnt/${file##*/}"
+  mount --bind "/mnt/${file##*/}" "$file"
+done
+links=${LINKS_URL:-https://downloads.example.com/} links=${links#*://} names=("${links%%[/:]*}" files.example.com)
+echo "127.0.0.1 ${names[*]}" >/etc/hosts
+openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj "/CN=${names[0]}" 2>/dev/null \
+  -addext "subjectAltName=DNS:${names[0]},DNS:${names[1]}" -keyout /mnt/key -out /etc/ssl/certs/ca-certificates.crt
+mkdir /mnt/web
+ln -s /media/usb /mnt/web/calibration
+cat >/mnt/nginx.conf <<'NGINX'
+pid nginx.pid; error_log error.log; events {}
+http { access_log off; server { root web; listen 127.0.0.1:80; listen 127.0.0.1:443 ssl;
+  ssl_certificate /etc/ssl/certs/ca-certificates.crt; ssl_certificate_key key;
+  location ~ /downloadlinks.xml$ { root home; rewrite .* /downloadlinks.xml break; } } }
+NGINX
+nginx -p /mnt/ -c /mnt/nginx.conf -e error.log
+trap 'nginx -p /mnt/ -c /mnt/nginx.conf -e error.log -s stop' EXIT
 cd /mnt/home
 HOME=/mnt/home PATH=/mnt/bin:$PATH "${@:4}"

@@ -1,13 +1,11 @@
 // Command-line tool of libkalvista.
 #include <fcntl.h>
-#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <exception>
 #include <string_view>
 
-#include "acquisition/Downloader.h"
 #include "answer/Console.h"
 #include "answer/Failure.h"
 #include "answer/Output.h"
@@ -52,8 +50,11 @@ Answer answerOf(const tool::CommandLine& commandLine) {
 
 ExitCode deliver(const tool::CommandLine& commandLine, bool asJson, const Answer& answer) {
   if (!answer.problem.empty()) tool::complain(answer.problem);
+  Answer complete = answer;
+  complete.document = commandLine.membersOfDocument();
+  complete.document.update(answer.document);
   tool::writeToStandardOutput(
-      asJson ? tool::jsonText(tool::completeDocument(commandLine.commandName(), answer))
+      asJson ? tool::jsonText(tool::completeDocument(commandLine.commandName(), complete))
              : answer.text);
   return answer.exitCode;
 }
@@ -83,10 +84,7 @@ ExitCode runTool(int argumentCount, const char* const* arguments) {
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
-  if (tool::isCalledAsDownloader(arguments[0])) return tool::runDownloader(arguments);
   occupyClosedStandardStreams();
-  // A starter that ignores it hands that on, and no child's end could be waited for.
-  signal(SIGCHLD, SIG_DFL);
   try {
     return static_cast<int>(runTool(argumentCount, arguments));
   } catch (const Failure& failure) {

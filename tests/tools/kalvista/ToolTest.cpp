@@ -1,7 +1,6 @@
 // The command-line tool as its users and their scripts meet it.
 #include <gmock/gmock.h>
 
-#include <atomic>
 #include <nlohmann/json.hpp>
 
 #include "support/OnlineRepository.h"
@@ -17,11 +16,6 @@ const std::string sampleConfiguration = support::readFile(SAMPLE_CONFIGURATION);
 const std::string transcript = support::readFile(TRANSCRIPTS "/tools/kalvista/tool.txt");
 const std::string cameraTranscript = support::readFile(TRANSCRIPTS "/tools/kalvista/camera.txt");
 const int tool = open(TOOL_FILE, O_RDONLY | O_CLOEXEC);
-const std::string kSuccess = "HTTP/1.1 200 OK\r\n";
-const std::string kLinks = kSuccess + "\r\n" + linksDocument(kLink);
-const std::string kXml = sample.at("Cali-12345678.xml");
-const std::string kHalf = kXml.substr(0, kXml.size() / 2);
-const std::string kBrokenOff = kSuccess + "Content-Length: 20000\r\n\r\n" + kHalf;
 
 struct ToolRun {
   int exitCode;
@@ -127,71 +121,33 @@ TEST_F(ToolTest, DiskFull) {
   EXPECT_EQ(contentsOf("new"), sample);
 }
 
-TEST_F(ToolTest, DownloadFromAServerThatLacksFiles) {
-  Contents most = sample;
-  most.erase("Cali-12345678-33-0-250-27.dat");
-  most["Cali-12345678-33-0-250-32.dat"] = "";
-  most["Cali-12345678-33-0-250-80.dat"] = "<!DOCTYPE html><html>Not here</html>";
-  most["Cali-12345678-33-150-900-27.dat"] =
-      "\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<!-- a page -->\n<html xmlns=\"x\">Not here</html>";
-  most["Cali-12345678-33-150-900-80.dat"] = "\x1F\x8B\x08packed";
-  publish("12345678", most);
-  serve(linksDocument(kLink));
-  const ToolRun some = run("download 12345678 --calibration-dir new");
-  EXPECT_EQ(some.exitCode, 1);
-  EXPECT_EQ(some.out,
-            "Cali-12345678-33-0-250-27.dat\nCali-12345678-33-0-250-32.dat\n"
-            "Cali-12345678-33-0-250-80.dat\nCali-12345678-33-150-900-27.dat\n"
-            "Cali-12345678-33-150-900-80.dat\n");
-  EXPECT_EQ(contentsOf("new").size(), sample.size() - 5);
-  expectWholeFilesOnly("new");
-  if (machine_.isOwn) {
-    EXPECT_THAT(some.err, HasSubstr("no default route"));
-  }
-  publish("12345678", sample);
-  EXPECT_EQ(run("download 12345678 --calibration-dir new").exitCode, 0);
-  EXPECT_EQ(contentsOf("new"), sample);
-}
-
-// The directory is one that no search path can name.
-TEST_F(ToolTest, DownloadThatFails) {
-  fs::create_directory("n:w");
+// No program of this machine is needed, and the directory is one that no search path can name.
+TEST_F(ToolTest, LinksDocuments) {
   const std::string download = "download 12345678 --calibration-dir n:w --timeout 5";
-  EXPECT_EQ(run(download, "env --ignore-signal=CHLD").exitCode, 3) << "no server";
-  answerAndBreakOff({kLinks, kSuccess + "\r\n" + kHalf}, [] {});
-  EXPECT_EQ(run(download).exitCode, 1) << "breaks off unnoticed";
-  EXPECT_TRUE(fs::is_empty("n:w"));
-  answerAndBreakOff({kLinks, kSuccess + "\r\n" + kXml, kLinks, kBrokenOff}, [] {});
-  EXPECT_EQ(run(download).exitCode, 1) << "breaks off";
-  answerAndBreakOff({kLinks, kBrokenOff}, [] { pause(); });
-  const ToolRun silent = run(download);
-  EXPECT_EQ(silent.exitCode, 3);
-  EXPECT_THAT(silent.err, HasSubstr("--timeout"));
-  EXPECT_EQ(contentsOf("n:w"), Contents({{"Cali-12345678.xml", kXml}}));
-  const ToolRun without = run(download, "PATH=/nowhere");
-  EXPECT_EQ(without.exitCode, 3);
-  EXPECT_THAT(without.err, HasSubstr("wget"));
-}
-
-TEST_F(ToolTest, KilledInTheMiddleOfADownload) {
-  std::atomic<pid_t> process = 0;
-  answerAndBreakOff({kLinks, kSuccess + "\r\n" + kXml, kLinks, kBrokenOff}, [&process] {
-    while (process <= 0) usleep(1000);
-    kill(process, SIGKILL);
-  });
-  process = fork();
-  if (process == 0) {
-    execl("kalvista", "kalvista", "download", "12345678", "--calibration-dir", "new", nullptr);
-    _exit(127);
-  }
-  int status = 0;
-  waitpid(process, &status, 0);
-  EXPECT_TRUE(WIFSIGNALED(status));
-  EXPECT_EQ(run("check 12345678 --calibration-dir new").exitCode, 1);
+  fs::create_directory("n:w");
+  EXPECT_THAT(run(download).err, HasSubstr("check the network"));
   publish("12345678", sample);
-  serve(linksDocument(kLink));
-  EXPECT_EQ(run("download 12345678 --calibration-dir new").exitCode, 0);
-  EXPECT_EQ(contentsOf("new"), sample);
+  const std::string elsewhere = "<string>http://127.0.0.1:9</string>";
+  const std::string foreign = "<string>ftp://127.0.0.1/x</string>";
+  struct Row {
+    std::string document;
+    int exitCode;
+    std::string part;
+  };
+  for (const Row& row :
+       std::vector<Row>{{"<html>Sign in</html>", 3, "is no links document"},
+                        {nest({"DownloadLinks", "Imager"}, ""), 3, "has no CaliData"},
+                        {linksDocument(""), 3, "names no repository"},
+                        {linksDocument(foreign), 3, "is no http or https address"},
+                        {linksDocument(elsewhere), 3, "127.0.0.1:9"},
+                        {linksDocument(kLink), 0, ""}}) {
+    serve(row.document);
+    const ToolRun ended = run(download, "env PATH=/nowhere");
+    EXPECT_EQ(ended.exitCode, row.exitCode) << row.document << ended.err;
+    EXPECT_THAT(ended.err, HasSubstr(row.part));
+    EXPECT_EQ(contentsOf("n:w").empty(), row.exitCode != 0);
+  }
+  EXPECT_EQ(contentsOf("n:w"), sample);
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
@@ -12,6 +11,8 @@ namespace tool {
 namespace {
 
 bool isTalkative = true;
+bool isProgressShown = false;
+bool isProgressOnScreen = false;
 
 constexpr const char* kRed = "31";
 constexpr const char* kYellow = "33";
@@ -25,10 +26,14 @@ bool isColourful() {
 }
 
 void say(const std::string& sentence, const char* colour = nullptr) {
+  showProgress("");
   const bool coloured = colour != nullptr && isColourful();
   std::cerr << (coloured ? std::string("\033[") + colour + "m" : "")
             << "kalvista: " << printable(sentence) << (coloured ? "\033[0m\n" : "\n");
 }
+
+// The second byte of a control character that UTF-8 writes as two, behind 0xC2.
+bool isSecondOfControl(unsigned char byte) { return byte >= 0x80 && byte <= 0x9F; }
 
 }  // namespace
 
@@ -44,7 +49,13 @@ void warn(const std::string& sentence) {
 
 void complain(const std::string& sentence) { say(sentence, kRed); }
 
-void quote(std::string_view output) { std::cerr << output << std::flush; }
+void setProgressShown(bool shown) { isProgressShown = shown && isatty(STDERR_FILENO) != 0; }
+
+void showProgress(const std::string& text) {
+  if (!isProgressShown || (text.empty() && !isProgressOnScreen)) return;
+  std::cerr << "\r\x1B[K" << text << std::flush;
+  isProgressOnScreen = !text.empty();
+}
 
 bool writeAll(int descriptor, std::string_view content) {
   while (!content.empty()) {
@@ -57,10 +68,19 @@ bool writeAll(int descriptor, std::string_view content) {
 }
 
 std::string printable(std::string_view text) {
-  std::string result(text);
-  std::replace_if(
-      result.begin(), result.end(),
-      [](char character) { return std::iscntrl(static_cast<unsigned char>(character)) != 0; }, '?');
+  constexpr const char* kDigits = "0123456789abcdef";
+  std::string result;
+  bool isBehindC2 = false;
+  for (const char character : text) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (std::iscntrl(byte) != 0 || (isBehindC2 && isSecondOfControl(byte))) {
+      if (isBehindC2 && isSecondOfControl(byte)) result.pop_back();
+      result += {'\\', 'x', kDigits[byte / 16], kDigits[byte % 16]};
+    } else {
+      result += character;
+    }
+    isBehindC2 = byte == 0xC2;
+  }
   return result;
 }
 

@@ -16,13 +16,16 @@ void note(const std::string& sentence);
 void warn(const std::string& sentence);
 // The reason why the command failed, or why its answer is no.
 void complain(const std::string& sentence);
-// What another program wrote.
-void quote(std::string_view output);
+// A line that each call writes over, and that an empty text clears; only where it was asked for and
+// standard error is a terminal.
+void setProgressShown(bool shown);
+void showProgress(const std::string& text);
 
 // False with errno set when not all could be written.
 bool writeAll(int descriptor, std::string_view content);
 
-// Replaces control characters: names and texts come from documents, and a terminal acts on them.
+// Control characters are written as "\x1b": names and texts come from documents and servers, and a
+// terminal acts on them.
 std::string printable(std::string_view text);
 
 }  // namespace tool

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
 
 #include "answer/Console.h"
@@ -48,6 +49,17 @@ std::string numberText(float number) {
 
 std::string countText(std::size_t count, const std::string& thing) {
   return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
+std::string bytesText(std::uintmax_t bytes) {
+  constexpr unsigned kStep = 1000;
+  if (bytes < kStep) return countText(static_cast<std::size_t>(bytes), "byte");
+  double amount = static_cast<double>(bytes) / kStep;
+  const char* unit = "kMGT";
+  for (; amount >= kStep && unit[1] != '\0'; ++unit) amount /= kStep;
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f %cB", amount, *unit);
+  return text;
 }
 
 void Table::add(std::vector<std::string> row) {

@@ -40,6 +40,9 @@ std::string numberText(float number);
 // "1 file", "3 files".
 std::string countText(std::size_t count, const std::string& thing);
 
+// "512 bytes", "1.5 MB".
+std::string bytesText(std::uintmax_t bytes);
+
 // Aligned columns, with two blanks between them.
 class Table {
  public:

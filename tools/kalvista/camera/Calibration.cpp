@@ -162,6 +162,14 @@ CalibrationStatus inspectCalibration(const std::string& directory, unsigned long
   return status;
 }
 
+std::vector<std::string> requiredNames(const std::string& directory, unsigned long serial) {
+  const auto calibration = loadCalibration(directory, serial);
+  if (!calibration) return {};
+  std::vector<std::string> names = requiredDataFiles(*calibration);
+  names.insert(names.begin(), calibrationXmlName(serial));
+  return names;
+}
+
 std::vector<std::string> namesOf(const std::vector<CalibrationFile>& files) {
   std::vector<std::string> names(files.size());
   std::transform(files.begin(), files.end(), names.begin(),

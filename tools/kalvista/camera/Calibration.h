@@ -39,6 +39,10 @@ std::unique_ptr<ConfigCali> loadCalibration(const std::string& directory, unsign
 
 CalibrationStatus inspectCalibration(const std::string& directory, unsigned long serial);
 
+// The names of all files that the calibration in this directory asks for, the XML file first;
+// empty when that does not load.
+std::vector<std::string> requiredNames(const std::string& directory, unsigned long serial);
+
 std::vector<std::string> namesOf(const std::vector<CalibrationFile>& files);
 
 // One sentence: how much is lacking, and what to do; empty when the calibration is complete.

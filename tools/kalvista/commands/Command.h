@@ -19,6 +19,7 @@ struct Command {
   std::string summary;
   std::string example;
   std::function<Runner(CLI::App&)> declare;  // declares its own options and says how to run it
+  Json members = Json::object();  // of each of its documents, where the answer has no others
 };
 
 template <typename OwnOptions>
@@ -30,6 +31,15 @@ Command makeCommand(const std::string& name, const std::string& summary, const s
             declare(app, *own);
             return [own, run](const CommonOptions& common) { return run(common, *own); };
           }};
+}
+
+// Of a command that brings files: its documents tell so also when it fails ahead of all work.
+inline Command withFileLists(Command command) {
+  command.members = {{"installed", Json::array()},
+                     {"mended", Json::array()},
+                     {"differing", Json::array()},
+                     {"changed", false}};
+  return command;
 }
 
 }  // namespace tool

@@ -58,6 +58,7 @@ CommandLine::CommandLine() : app_(kPurpose, "kalvista") {
     subcommand->group("Commands");
     subcommand->footer(commonOptions + exampleText(command.example) + kExitCodes);
     runners_[command.name] = command.declare(*subcommand);
+    members_[command.name] = command.members;
   }
   app_.footer(exampleText(commands.front().example) + kExitCodes +
               "\n\nHelp on one command: kalvista COMMAND --help");
@@ -109,6 +110,11 @@ void CommandLine::refuseUnknownOption(const std::string& command,
 std::string CommandLine::commandName() const {
   const auto commands = app_.get_subcommands();
   return commands.empty() ? "" : commands.front()->get_name();
+}
+
+Json CommandLine::membersOfDocument() const {
+  const auto members = members_.find(commandName());
+  return members == members_.end() ? Json::object() : members->second;
 }
 
 std::string CommandLine::explain(const CLI::ParseError& error) const {

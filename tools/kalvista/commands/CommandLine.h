@@ -32,6 +32,7 @@ class CommandLine {
   std::string commandName() const;  // empty when none was recognised
   // After a parse() that gave no text.
   const CommonOptions& common() const { return common_; }
+  Json membersOfDocument() const;  // of the command that was recognised
   Answer run() const { return runners_.at(commandName())(common_); }
 
   // The description that help, completions and manual pages are made of.
@@ -45,6 +46,7 @@ class CommandLine {
   CLI::App app_;
   CommonOptions common_;
   std::map<std::string, Runner> runners_;
+  std::map<std::string, Json> members_;
 };
 
 }  // namespace tool

@@ -16,10 +16,8 @@
 namespace tool {
 namespace {
 
-// The library keeps 260 characters of a directory; the name of a staging folder is added to it.
+// The library keeps 260 characters of a directory; the name of a work folder is added to it.
 constexpr std::size_t kLongestDirectory = 220;
-
-constexpr unsigned kLongestTimeout = 24 * 60 * 60;
 
 const std::map<std::string, ardo::IRLoggerVerbosityLevel>& verbosityLevels() {
   static const std::map<std::string, ardo::IRLoggerVerbosityLevel> levels = {
@@ -93,6 +91,7 @@ std::vector<std::string> verbosityNames() {
 
 void applyCommonOptions(const CommonOptions& common) {
   setTalkative(common.verbosity != "error");
+  setProgressShown(common.verbosity != "error" && !common.json);
   configureLog(common);
   refuseLongDirectory(common.calibrationDir, "calibration directory");
   refuseLongDirectory(common.formatsDir, "formats directory");
@@ -121,15 +120,6 @@ CLI::Option* addPathOrStream(CLI::App& app, const std::string& name, std::string
     return text == kStandardStream ? text : pathFromRoot(text);
   };
   return app.add_option(name, path, description)->type_name("FILE")->transform(streamOrPath);
-}
-
-CLI::Option* addTimeout(CLI::App& app, unsigned& seconds) {
-  return app
-      .add_option("--timeout", seconds,
-                  "Give a download up when nothing has arrived for so many seconds")
-      ->type_name("SECONDS")
-      ->check(CLI::Range(1U, kLongestTimeout).description(""))
-      ->capture_default_str();
 }
 
 }  // namespace tool

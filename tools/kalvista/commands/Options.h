@@ -16,8 +16,7 @@ void addCommonOptions(CLI::App& app, CommonOptions& common);
 std::vector<std::string> verbosityNames();
 
 // Puts the options to work: directories and log of the library, and the working directory "/",
-// since all paths are absolute by now. The copy command of the library holds unquoted patterns,
-// which the command interpreter would expand in the user's folder.
+// since all paths are absolute by now.
 void applyCommonOptions(const CommonOptions& common);
 
 // Decimal digits, from 1 to the greatest number that names of calibration files can hold; `serial`
@@ -28,8 +27,6 @@ CLI::Option* addPath(CLI::App& app, const std::string& name, std::string& path,
 // A path, or kStandardStream.
 CLI::Option* addPathOrStream(CLI::App& app, const std::string& name, std::string& path,
                              const std::string& description);
-// Time limit of a download.
-CLI::Option* addTimeout(CLI::App& app, unsigned& seconds);
 
 }  // namespace tool
 

@@ -3,9 +3,12 @@
 #include <filesystem>
 
 #include "acquisition/Acquisition.h"
+#include "acquisition/FolderRepository.h"
+#include "acquisition/WebRepository.h"
 #include "answer/Console.h"
 #include "camera/Configuration.h"
 #include "commands/Commands.h"
+#include "commands/WebOptions.h"
 #include "machine/Files.h"
 #include "machine/Paths.h"
 #include "machine/Usb.h"
@@ -18,7 +21,8 @@ struct OwnOptions {
   bool all = false;
   std::string repository;
   std::string configuration;
-  unsigned timeoutSeconds = kDefaultTimeoutSeconds;
+  WebOptions web;
+  bool update = false;
 };
 
 void declare(CLI::App& app, OwnOptions& own) {
@@ -31,16 +35,20 @@ void declare(CLI::App& app, OwnOptions& own) {
               "Configuration to write when there is none; the default is config-SERIAL.xml in the "
               "calibration directory, or in ~/.config/kalvista for a user who may not write there");
   all->excludes(serial)->excludes(configuration);
-  addTimeout(app, own.timeoutSeconds);
+  addWebOptions(app, own.web);
+  app.get_option("--mirror")->excludes(app.get_option("--from"));
+  addUpdate(app, own.update);
 }
 
 Acquisition completeCalibration(const CommonOptions& common, const OwnOptions& own,
                                 unsigned long serial) {
-  clearLeftovers(common.calibrationDir);
-  Acquisition present{{}, inspectCalibration(common.calibrationDir, serial)};
-  if (present.status.complete()) return present;
-  return own.repository.empty() ? downloadMissing(common, serial, own.timeoutSeconds)
-                                : copyFromRepository(common, serial, own.repository);
+  const Differing differing = own.update ? Differing::Replace : Differing::Keep;
+  if (!own.repository.empty()) {
+    FolderRepository repository(own.repository);
+    return acquire(common, serial, repository, differing);
+  }
+  WebRepository repository(limitsFor(own.web, common, serial, own.update), own.web.mirror);
+  return acquire(common, serial, repository, differing);
 }
 
 // An existing configuration is the user's: it is read, never changed. Gives whether one is written.
@@ -60,15 +68,11 @@ bool provideConfiguration(const CommonOptions& common, unsigned long serial,
   return false;
 }
 
-std::string readyText(const Answer& answer, const CommonOptions& common) {
-  const std::size_t added = answer.document["installed"].size();
-  const bool written = answer.document["configurationWritten"];
-  std::string changes = added > 0 ? countText(added, "file") + " added" : "";
-  if (written) changes += changes.empty() ? "configuration written" : ", configuration written";
-  if (changes.empty()) changes = "nothing had to be changed";
-  return "Camera " + answer.document["serial"].dump() + " is ready: calibration in " +
-         common.calibrationDir + ", configuration " +
-         answer.document["configuration"].get<std::string>() + " (" + changes + ").\n";
+std::string readyText(const CommonOptions& common, unsigned long serial, const std::string& path,
+                      std::string changes) {
+  return "Camera " + std::to_string(serial) + " is ready: calibration in " + common.calibrationDir +
+         ", configuration " + path + " (" +
+         (changes.empty() ? "nothing had to be changed" : changes) + ").\n";
 }
 
 // A configuration that is there is found again by every user, whoever wrote it.
@@ -83,6 +87,25 @@ std::string defaultConfiguration(const CommonOptions& common, unsigned long seri
   return directory + name;
 }
 
+// Adds the optics and the configuration for them to the answer about a calibration.
+void addConfiguration(const CommonOptions& common, unsigned long serial, const std::string& path,
+                      std::string changes, Answer* answer) {
+  answer->document["optics"] = opticsDocument(*loadCalibration(common.calibrationDir, serial));
+  if (answer->document["optics"].empty()) {
+    throw Failure(ExitCode::AnswerIsNo,
+                  "the calibration file " + calibrationXmlPath(common.calibrationDir, serial) +
+                      " names no optics; replace it by a whole one with \"kalvista copy\"");
+  }
+  const bool written = provideConfiguration(common, serial, path);
+  if (written) {
+    answer->document["changed"] = true;
+    changes += changes.empty() ? "configuration written" : ", configuration written";
+  }
+  answer->document["configurationWritten"] = written;
+  answer->document["configuration"] = path;
+  answer->text = opticsTable(answer->document["optics"]) + readyText(common, serial, path, changes);
+}
+
 Answer setUp(const CommonOptions& common, const OwnOptions& own, unsigned long serial) {
   // Ahead of all work, so that a path that is mistyped is named before anything is changed.
   requireCalibrationDir(common);
@@ -90,20 +113,17 @@ Answer setUp(const CommonOptions& common, const OwnOptions& own, unsigned long s
       own.configuration.empty() ? defaultConfiguration(common, serial) : own.configuration;
   requireDirectory(parentOf(path), "directory");
   if (!own.repository.empty()) requireDirectory(own.repository, "repository");
-  Answer answer = answerOf(completeCalibration(common, own, serial), common, serial);
+  const Acquisition acquisition = completeCalibration(common, own, serial);
+  Answer answer = answerOf(acquisition, common, serial);
   if (answer.exitCode != ExitCode::Done) return answer;
-  answer.document["optics"] = opticsDocument(*loadCalibration(common.calibrationDir, serial));
-  if (answer.document["optics"].empty()) {
-    answer.exitCode = ExitCode::AnswerIsNo;
-    answer.problem = "the calibration file " + calibrationXmlPath(common.calibrationDir, serial) +
-                     " names no optics; replace it by a whole one with \"kalvista copy\"";
-    return answer;
+  try {
+    addConfiguration(common, serial, path, changesText(acquisition), &answer);
+  } catch (const Failure& failure) {
+    // What was brought stays told.
+    answer.text.clear();
+    answer.exitCode = failure.exitCode();
+    answer.problem = failure.what();
   }
-  const bool written = provideConfiguration(common, serial, path);
-  answer.document["configurationWritten"] = written;
-  if (written) answer.document["changed"] = true;
-  answer.document["configuration"] = path;
-  answer.text = opticsTable(answer.document["optics"]) + readyText(answer, common);
   return answer;
 }
 
@@ -123,6 +143,13 @@ Answer setUpEach(const CommonOptions& common, const OwnOptions& own,
     one.document["serial"] = serial;
     one.document["problem"] = one.problem.empty() ? Json() : Json(one.problem);
     documents.push_back(one.document);
+    for (const char* list : {"installed", "mended", "differing"}) {
+      for (const Json& name : one.document.value(list, Json::array())) {
+        all.document[list].push_back(name);
+      }
+    }
+    all.document["changed"] =
+        all.document.value("changed", false) || one.document.value("changed", false);
     all.text += one.text;
     all.exitCode = std::max(all.exitCode, one.exitCode);
     if (!one.problem.empty()) all.problem += (all.problem.empty() ? "" : "; ") + one.problem;
@@ -160,8 +187,9 @@ Answer run(const CommonOptions& common, const OwnOptions& own) {
 }  // namespace
 
 Command setupCommand() {
-  return makeCommand("setup", "Make a camera ready: calibration, configuration, all in one",
-                     "kalvista setup 12345678 --from /media/usb --config camera.xml", declare, run);
+  return withFileLists(
+      makeCommand("setup", "Make a camera ready: calibration, configuration, all in one",
+                  "kalvista setup 12345678 --from /media/usb --config camera.xml", declare, run));
 }
 
 }  // namespace tool

@@ -1,15 +1,12 @@
 #include "machine/Files.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/mman.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
@@ -28,7 +25,6 @@ namespace fs = std::filesystem;
 constexpr std::string_view kWorkPrefix = ".kalvista-";
 constexpr mode_t kOrdinaryFileMode = 0666;  // less the user's mask
 constexpr mode_t kAllModes = 07777;
-constexpr mode_t kReadableByAll = 0444;
 constexpr std::size_t kLongestInput = 256U << 20U;
 
 [[noreturn]] void failToWrite(const std::string& path) {
@@ -89,14 +85,6 @@ void keepOwnerAndMode(const Descriptor& file, const struct stat& former) {
   fchmod(file.number(), former.st_mode & (given ? kAllModes : kOrdinaryFileMode));
 }
 
-bool isRunning(std::string_view processId) {
-  pid_t process = 0;
-  const char* end = processId.data() + processId.size();
-  const auto result = std::from_chars(processId.data(), end, process);
-  if (result.ec != std::errc() || result.ptr != end) return true;  // not a name of ours
-  return process == getpid() || kill(process, 0) == 0 || errno != ESRCH;
-}
-
 }  // namespace
 
 bool Descriptor::close() {
@@ -143,19 +131,6 @@ MemoryFile::MemoryFile(std::string_view content) : file_(memfd_create("kalvista"
                                         std::strerror(errno) + "; end other programs");
 }
 
-bool flushToDisk(const std::string& path) {
-  Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  return file.number() >= 0 && fsync(file.number()) == 0;
-}
-
-void letAllRead(const std::string& path) {
-  const mode_t mask = umask(0);
-  umask(mask);
-  struct stat status {};
-  if (stat(path.c_str(), &status) != 0) return;
-  chmod(path.c_str(), (status.st_mode | (kReadableByAll & ~mask)) & kAllModes);
-}
-
 void writeFileWhole(const std::string& path, std::string_view content, bool replace) {
   std::string work;
   Descriptor file(openNewFile(parentOf(path), &work));
@@ -170,21 +145,6 @@ void writeFileWhole(const std::string& path, std::string_view content, bool repl
   if (!work.empty()) unlink(work.c_str());
   errno = reason;
   failToWrite(path);
-}
-
-std::string workName(const std::string& directory, const std::string& purpose) {
-  return (fs::path(directory) / kWorkPrefix).string() + purpose + "-" + std::to_string(getpid());
-}
-
-void clearLeftovers(const std::string& directory) {
-  std::error_code error;
-  for (const fs::directory_entry& entry : fs::directory_iterator(directory, error)) {
-    const std::string name = entry.path().filename().string();
-    if (name.compare(0, kWorkPrefix.size(), kWorkPrefix) != 0) continue;
-    if (!isRunning(std::string_view(name).substr(name.rfind('-') + 1))) {
-      fs::remove_all(entry.path(), error);
-    }
-  }
 }
 
 }  // namespace tool

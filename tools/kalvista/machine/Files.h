@@ -1,9 +1,10 @@
-// Files that appear whole or not at all, and what killed runs left behind.
+// Files that appear whole or not at all.
 #ifndef KALVISTA_TOOL_FILES_H
 #define KALVISTA_TOOL_FILES_H
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace tool {
 
@@ -11,6 +12,11 @@ namespace tool {
 class Descriptor {
  public:
   explicit Descriptor(int number) : number_(number) {}
+  Descriptor(Descriptor&& other) noexcept : number_(other.number_) { other.number_ = -1; }
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(number_, other.number_);
+    return *this;
+  }
   ~Descriptor() { close(); }
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
@@ -41,23 +47,11 @@ class MemoryFile {
   Descriptor file_;
 };
 
-// Forces a file that is to be renamed to the disk; false with errno set.
-bool flushToDisk(const std::string& path);
-
-// Lets all users read a file, as far as this user's mask does not keep them from it.
-void letAllRead(const std::string& path);
-
 // Writes to a file without a name, forces it to the disk, and only then gives it its name: a run
 // that is killed leaves the target as it was, and nothing beside it. Where the file system knows no
 // such files, it has a hidden name meanwhile that cannot be guessed. With `replace` false a file
 // that exists meanwhile stays.
 void writeFileWhole(const std::string& path, std::string_view content, bool replace);
-
-// Hidden names in which a running process keeps what is not whole yet, such as
-// "<directory>/.kalvista-staging-1234-<process id>".
-std::string workName(const std::string& directory, const std::string& purpose);
-// Removes what has such a name and whose process has ended.
-void clearLeftovers(const std::string& directory);
 
 }  // namespace tool
 

@@ -1,6 +1,6 @@
-// Tells whole files from what a failed or foreign transfer leaves.
-#ifndef KALVISTA_TOOL_WHOLENESS_H
-#define KALVISTA_TOOL_WHOLENESS_H
+// Tells calibration files from what a failed or foreign transfer brings.
+#ifndef KALVISTA_TOOL_ARRIVAL_CHECK_H
+#define KALVISTA_TOOL_ARRIVAL_CHECK_H
 
 #include <string>
 
@@ -12,4 +12,4 @@ std::string whatIsWrongWith(const std::string& path, unsigned long serial);
 
 }  // namespace tool
 
-#endif  // KALVISTA_TOOL_WHOLENESS_H
+#endif  // KALVISTA_TOOL_ARRIVAL_CHECK_H

@@ -1,4 +1,4 @@
-#include "acquisition/Wholeness.h"
+#include "acquisition/ArrivalCheck.h"
 
 #include <kalvista/SimpleXML.h>
 #include <strings.h>
@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string_view>
 #include <utility>
 
 #include "camera/Calibration.h"
-#include "machine/Files.h"
 
 namespace tool {
 namespace {
@@ -19,8 +19,17 @@ namespace fs = std::filesystem;
 
 constexpr const char* kRoot = "CaliData";
 
+constexpr std::size_t kBeginning = 4096;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kCompressed = "\x1F\x8B";
+
+std::string beginningOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  std::string text(kBeginning, '\0');
+  file.read(text.data(), static_cast<std::streamsize>(text.size()));
+  text.resize(static_cast<std::size_t>(file.gcount()));
+  return text;
+}
 
 bool beginsWith(std::string_view text, std::string_view beginning) {
   return text.size() >= beginning.size() &&
@@ -67,15 +76,28 @@ bool namesAnotherSerial(ardo::SimpleXML& document, unsigned long serial) {
   return false;
 }
 
-std::string whatIsWrongWithXml(const std::string& path, unsigned long serial,
-                               const std::string& content) {
+// Looks for the closing tag, in pieces that overlap by its length.
+bool reachesItsEnd(const std::string& path) {
+  const std::string tag = std::string("</") + kRoot + ">";
+  std::ifstream file(path, std::ios::binary);
+  std::string piece;
+  while (file) {
+    piece.erase(0, piece.size() - std::min(piece.size(), tag.size()));
+    const std::size_t kept = piece.size();
+    piece.resize(kept + kBeginning);
+    file.read(piece.data() + kept, kBeginning);
+    piece.resize(kept + static_cast<std::size_t>(file.gcount()));
+    if (piece.find(tag) != std::string::npos) return true;
+  }
+  return false;
+}
+
+std::string whatIsWrongWithXml(const std::string& path, unsigned long serial) {
   ardo::SimpleXML document;
   if (!document.open(path.c_str(), kRoot) || !document.hasRoot()) {
     return "is no calibration: it does not load";
   }
-  if (content.find(std::string("</") + kRoot + ">") == std::string::npos) {
-    return "breaks off before its end";
-  }
+  if (!reachesItsEnd(path)) return "breaks off before its end";
   document.setNode();
   const bool hasOptics = document.setNode("Temperature") && document.setNode("Optics") &&
                          document.setNode("OpticsDef");
@@ -87,12 +109,12 @@ std::string whatIsWrongWithXml(const std::string& path, unsigned long serial,
 }  // namespace
 
 std::string whatIsWrongWith(const std::string& path, unsigned long serial) {
-  const std::string content = readFile(path);
+  const std::string content = beginningOf(path);
   if (content.empty()) return "is empty";
   if (looksLikeWebPage(content)) return "is a web page instead of calibration data";
   if (beginsWith(content, kCompressed)) return "is compressed";
   if (fs::path(path).filename() != calibrationXmlName(serial)) return "";
-  return whatIsWrongWithXml(path, serial, content);
+  return whatIsWrongWithXml(path, serial);
 }
 
 }  // namespace tool

@@ -1,0 +1,307 @@
+"""Files arrive whole or not at all, from servers, folders and neighbours of every kind."""
+import contextlib
+import email.utils
+import http.server
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+
+TOOL, REPOSITORY = sys.argv.pop(1), pathlib.Path(sys.argv.pop(1))
+SERIAL = "12345678"
+XML = f"Cali-{SERIAL}.xml"
+ONE = f"Cali-{SERIAL}-33-0-250-27.dat"
+FOLDER = f"12/1234/Califiles SN{SERIAL}"
+SAMPLE = {path.name: path.read_bytes() for path in (REPOSITORY / FOLDER).iterdir()}
+SETPRIV = ["setpriv", "--reuid=65534", "--regid=65534", "--clear-groups"] if os.geteuid() == 0 else []
+NEVER = 60  # seconds after which a run counts as hanging
+
+
+class Server(http.server.ThreadingHTTPServer):
+    """Serves files, and for some paths what a test wants instead: bytes of a whole answer, after
+    which the connection closes, or a function of the handler; the last of a list stays."""
+    daemon_threads = True
+
+    def __init__(self, files, odd=None, tags=False):
+        super().__init__(("127.0.0.1", 0), Handler)
+        self.files, self.odd, self.tags = files, odd or {}, tags
+        self.requests, self.connections = [], 0
+        self.address = f"http://127.0.0.1:{self.server_address[1]}"
+        threading.Thread(target=self.serve_forever, daemon=True).start()
+
+    def process_request(self, request, client_address):
+        self.connections += 1
+        super().process_request(request, client_address)
+
+    def handle_error(self, request, client_address):
+        pass
+
+
+class Handler(http.server.BaseHTTPRequestHandler):
+    protocol_version = "HTTP/1.1"
+
+    def log_message(self, *_):
+        pass
+
+    def do_GET(self):
+        name = self.path.rsplit("/", 1)[-1]
+        self.server.requests.append((self.command, name))
+        odd = self.server.odd.get(name)
+        if isinstance(odd, list):
+            odd = odd.pop(0) if len(odd) > 1 else odd[0]
+        if callable(odd):
+            odd = odd(self)
+        if isinstance(odd, bytes):
+            self.wfile.write(odd)
+            self.close_connection = True
+        elif odd is None and name in self.server.files:
+            body = self.server.files[name]
+            self.send_response(200)
+            self.send_header("Content-Length", str(len(body)))
+            self.send_header("Last-Modified", email.utils.formatdate(1700000000, usegmt=True))
+            if self.server.tags:
+                self.send_header("ETag", f'"{hash(body)}"')
+            self.end_headers()
+            if self.command == "GET":
+                self.wfile.write(body)
+        elif odd is None:
+            self.send_error(404)
+
+    do_HEAD = do_GET
+
+
+def answer(body, *headers, status="200 OK"):
+    head = "\r\n".join((f"HTTP/1.1 {status}", *headers))
+    return head.encode() + b"\r\n\r\n" + body
+
+
+def sized(body, *headers):
+    return answer(body, f"Content-Length: {len(body)}", *headers)
+
+
+def to(address):
+    return answer(b"", f"Location: {address}", "Content-Length: 0", status="302 Found")
+
+
+def drip(handler):
+    handler.wfile.write(answer(b"", "Content-Length: 1000"))
+    with contextlib.suppress(OSError):
+        while True:
+            handler.wfile.write(b"x")
+            time.sleep(0.2)
+
+
+BODY = SAMPLE[ONE]
+HALF = BODY[:len(BODY) // 2]
+# What a server answers for one file, the exit status, and a part of the sentence. Nothing of that
+# name may arrive.
+BAD_ANSWERS = {
+    "absent": (answer(b"no", "Content-Length: 2", status="404 Not Found"), 1, "status 404"),
+    "forbidden": (answer(b"", "Content-Length: 0", status="403 No"), 3, "status 403"),
+    "out of order": (answer(b"", "Content-Length: 0", status="503 Later"), 3, "status 503"),
+    "a part": (answer(HALF, f"Content-Length: {len(HALF)}", status="206 Part"), 3, "status 206"),
+    "half": (answer(HALF, f"Content-Length: {len(BODY)}"), 3, "bytes remaining to read"),
+    "half of unknown length": (answer(HALF), 3, "does not tell its length"),
+    "half of pieces": (answer(b"5\r\nhello\r\n", "Transfer-Encoding: chunked"), 3, ""),
+    "packed": (sized(b"\x1f\x8b\x08", "Content-Encoding: gzip"), 3, "compressed"),
+    "packed in secret": (sized(b"\x1f\x8b\x08packed"), 1, "is compressed"),
+    "a page": (sized(b" \t\r\n<HTML>Sign in</HTML>"), 1, "is a web page"),
+    "a page of XHTML": (sized(b'\xef\xbb\xbf<?xml version="1.0"?><!-- x --><html xmlns="x">'), 1,
+                        "is a web page"),
+    "empty": (sized(b""), 1, "is empty"),
+    "drops": (drip, 3, "--timeout"),
+    "silence": (lambda handler: time.sleep(NEVER), 3, "--timeout"),
+    "too much": (answer(b"x", "Content-Length: 1000001"), 3, "--max-size"),
+    "another protocol": (to("ftp://127.0.0.1/x"), 3, "ftp"),
+    "a file of this machine": (to("file:///etc/passwd"), 3, "file"),
+    "round and round": (to("x"), 3, "redirects"),
+    "no server": (to("http://127.0.0.1:9/x"), 3, "127.0.0.1"),
+    "escapes": (to("http://\x1b[2J.invalid/"), 3, ""),
+}
+
+
+class Acquisition(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory(prefix="kalvista test ")
+        self.addCleanup(self.folder.cleanup)
+        os.chmod(self.folder.name, 0o755)
+        os.chdir(self.folder.name)
+        self.new()
+
+    def new(self, mode=0o777):
+        shutil.rmtree("cali", ignore_errors=True)
+        os.mkdir("cali")
+        os.chmod("cali", mode)
+
+    def start(self, *arguments, before=(), **more):
+        return subprocess.Popen([*before, TOOL, *arguments, "--calibration-dir", "cali"],
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                stderr=subprocess.PIPE, **more)
+
+    def run_tool(self, *arguments, **more):
+        process = self.start(*arguments, **more)
+        out, err = (text.decode() for text in process.communicate(timeout=NEVER))
+        return process.returncode, out, err
+
+    def download(self, server, *arguments, **more):
+        return self.run_tool("download", SERIAL, "--mirror", server.address, *arguments, **more)
+
+    def held(self):
+        return {path.name: path.read_bytes() for path in pathlib.Path("cali").iterdir()}
+
+    def test_bad_answers(self):
+        others = {name: body for name, body in SAMPLE.items() if name != ONE}
+        for kind, (odd, status, part) in BAD_ANSWERS.items():
+            with self.subTest(kind), Server(SAMPLE, {ONE: odd, "x": odd}) as server:
+                self.new()
+                options = ("--timeout", "2", "--max-size", "1")
+                code, _, err = self.download(server, *options)
+                self.assertEqual(code, status, err)
+                self.assertIn(part, err)
+                self.assertIn(ONE, err)
+                self.assertFalse(any(ord(letter) < 32 and letter != "\n" for letter in err), err)
+                self.assertLessEqual(err.count("\n"), 3, err)
+                self.assertNotIn(ONE, self.held())
+                self.assertTrue(self.held().items() <= others.items())
+
+    def test_good_answers(self):
+        pieces = answer(b"%x\r\n%s\r\n0\r\n\r\n" % (len(BODY), BODY), "Transfer-Encoding: chunked")
+        for odd in (pieces, [answer(HALF, "Content-Length: 9999"), sized(BODY)],
+                    [answer(b"", "Content-Length: 0", status="500 Oh"), sized(BODY)]):
+            with self.subTest(odd), Server(SAMPLE, {ONE: odd}) as server:
+                self.new()
+                code, out, err = self.download(server)
+                self.assertEqual((code, err), (0, ""))
+                self.assertIn("34 files added", out)
+                self.assertEqual(self.held(), SAMPLE)
+                self.assertLessEqual(server.connections, 10)
+
+    def test_nothing_at_all(self):
+        for files, status in (({}, 1), ({XML: SAMPLE[XML]}, 1), ({XML: b"<CaliData>"}, 1)):
+            with self.subTest(files.keys()), Server(files) as server:
+                self.new()
+                address = server.address.replace("//", "//me:secret@")
+                code, out, err = self.run_tool("setup", SERIAL, "--mirror", address, "--json")
+                self.assertEqual(code, status, err)
+                self.assertNotIn("secret", out + err)
+                self.assertIn('"changed"', out)
+                self.assertLessEqual(err.count("\n"), 3, err)
+        code, _, err = self.download(server)
+        self.assertEqual((code, err.count("\n")), (3, 1), err)
+
+    def test_recalibrated_camera(self):
+        other = {**SAMPLE, ONE: BODY[::-1]}
+        for tags in (False, True):
+            self.new()
+            with Server(SAMPLE, tags=tags) as first:
+                self.download(first)
+                del first.requests[:]
+                self.assertIn("nothing had to be changed", self.download(first)[1])
+                self.assertNotIn("GET", {method for method, _ in first.requests})
+            with Server(other, tags=tags) as second:
+                # Without a tag, size and time tell nothing of a file whose bytes changed.
+                code, _, err = self.download(second)
+                self.assertEqual((code, "--update" in err), (0, tags), err)
+                self.assertEqual(self.held(), SAMPLE)
+                if tags:
+                    self.assertIn("1 file replaced", self.download(second, "--update")[1])
+                    self.assertEqual(self.held(), other)
+        pathlib.Path("other").mkdir()
+        for name, body in SAMPLE.items():
+            pathlib.Path("other", name).write_bytes(body)
+        self.assertIn("1 file replaced", self.run_tool("copy", SERIAL, "other")[1])
+        self.assertEqual(self.held(), SAMPLE)
+
+    def test_signals(self):
+        stuck = {f"Kennlinie-{SERIAL}-33-0-250-27.prn": lambda handler: time.sleep(NEVER)}
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGKILL):
+            with self.subTest(number), Server(SAMPLE, stuck) as server:
+                self.new()
+                process = self.start("download", SERIAL, "--mirror", server.address)
+                while not any(name in stuck for _, name in server.requests):
+                    time.sleep(0.01)
+                process.send_signal(number)
+                process.communicate(timeout=NEVER)
+                self.assertEqual(process.returncode, -number)
+                if number != signal.SIGKILL:
+                    self.assertEqual(self.held(), {})
+        # What a killed run left goes with the next one; what only looks so stays.
+        for name in (".kalvista-work-abcdef", ".kalvista-notes-99999999"):
+            os.makedirs(f"cali/{name}/kept")
+        os.mkdir("cali/.kalvista-work-ghijkl")
+        self.assertEqual(self.run_tool("copy", SERIAL, str(REPOSITORY))[0], 0)
+        self.assertEqual(sorted(set(os.listdir("cali")) - set(SAMPLE)),
+                         [".kalvista-notes-99999999", ".kalvista-work-abcdef",
+                          ".kalvista-work-ghijkl"])
+
+    def test_runs_side_by_side(self):
+        def slowly(handler):
+            time.sleep(0.2)
+        second = {name.replace(SERIAL, "12340000"): body.replace(SERIAL.encode(), b"12340000")
+                  for name, body in SAMPLE.items()}
+        inside = ["unshare", "--pid", "--fork", "--mount-proc"] if SETPRIV else []
+        with Server({**SAMPLE, **second}, {XML: slowly}) as server:
+            runs = [self.start("download", serial, "--mirror", server.address, before=before)
+                    for serial in (SERIAL, SERIAL, "12340000") for before in ([], inside)]
+            for process in runs:
+                err = process.communicate(timeout=NEVER)[1].decode()
+                self.assertEqual(process.returncode, 0, err)
+        self.assertEqual(self.held(), {**SAMPLE, **second})
+
+    def test_odd_folders(self):
+        pathlib.Path("odd one").mkdir()
+        for name, body in SAMPLE.items():
+            pathlib.Path("odd one", name).write_bytes(body)
+        path = pathlib.Path("odd one", ONE)
+        secret = pathlib.Path("secret")
+        secret.write_text("of root")
+        for kind, make, status in (
+                ("pipe", os.mkfifo, 3),
+                ("device", lambda path: os.symlink("/dev/zero", path), 3),
+                ("way out", lambda path: os.symlink(secret.resolve(), path), 3),
+                ("way round", lambda path: os.symlink(path.name, path), 3),
+                ("twice", lambda path: (path.write_bytes(b"1"), (path.parent / "b").mkdir(),
+                                        (path.parent / "b" / path.name).write_bytes(b"2")), 1),
+                ("way inside", lambda path: os.symlink(f"b/{path.name}", path), 0)):
+            with self.subTest(kind):
+                self.new()
+                path.unlink(missing_ok=True)
+                make(path)
+                code, _, err = self.run_tool("copy", SERIAL, "odd one")
+                self.assertEqual(code, status, err)
+                self.assertEqual(ONE in self.held(), status == 0)
+                self.assertTrue(status == 0 or str(path) in err, err)
+                self.assertEqual(len(self.held()), 34 if status == 0 else 33)
+                if kind == "twice":
+                    self.assertIn(f"b/{ONE}", err)
+
+    def test_unreadable_files_are_mended_by_their_owner(self):
+        def as_user(*arguments):
+            return self.run_tool(*arguments, before=SETPRIV, preexec_fn=lambda: os.umask(0o077))
+        self.assertEqual(as_user("copy", SERIAL, str(REPOSITORY))[0], 0)
+        modes = {path.stat().st_mode & 0o777 for path in pathlib.Path("cali").iterdir()}
+        self.assertEqual(modes, {0o600})
+        code, out, err = self.run_tool("setup", SERIAL, "--from", str(REPOSITORY), before=SETPRIV)
+        self.assertEqual((code, "34 files made readable" in out), (0, True), err)
+
+    def test_full_disk(self):
+        if os.geteuid() != 0 or subprocess.run(
+                ["mount", "-t", "tmpfs", "-o", "size=64k", "tmpfs", "cali"], check=False).returncode:
+            self.skipTest("a small disk needs root")
+        self.addCleanup(subprocess.run, ["umount", "cali"], check=True)
+        for from_where in (["copy", SERIAL, str(REPOSITORY)],
+                           ["download", SERIAL, "--mirror", Server(SAMPLE).address]):
+            code, _, err = self.run_tool(*from_where)
+            self.assertEqual(code, 3, err)
+            self.assertIn("no space is left", err)
+            self.assertRegex(err, r"need(s|ed)")
+            self.assertTrue(self.held().items() <= SAMPLE.items())
+
+
+unittest.main(verbosity=2)

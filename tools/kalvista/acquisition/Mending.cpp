@@ -1,0 +1,47 @@
+#include "acquisition/Mending.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <set>
+
+#include "camera/Calibration.h"
+#include "machine/Files.h"
+
+namespace tool {
+namespace {
+
+constexpr mode_t kReadableByAll = 0444;
+constexpr mode_t kAllModes = 07777;
+
+// A link, and a file that has another name elsewhere, may be someone's trap. True when it changed.
+bool letAllReadOwn(const std::string& path) {
+  const mode_t mask = umask(0);
+  umask(mask);
+  const Descriptor file(open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+  struct stat status {};
+  if (file.number() < 0 || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) ||
+      status.st_uid != geteuid() || status.st_nlink != 1) {
+    return false;
+  }
+  const mode_t wanted = (status.st_mode | (kReadableByAll & ~mask)) & kAllModes;
+  const std::string place = "/proc/self/fd/" + std::to_string(file.number());
+  return wanted != (status.st_mode & kAllModes) && chmod(place.c_str(), wanted) == 0;
+}
+
+}  // namespace
+
+std::vector<std::string> letAllReadCalibration(const std::string& directory, unsigned long serial) {
+  std::vector<std::string> mended;
+  std::set<std::string> seen;
+  // Once the XML file can be read, it names the others.
+  for (int pass = 0; pass < 2; ++pass) {
+    for (const CalibrationFile& file : inspectCalibration(directory, serial).files) {
+      if (seen.insert(file.name).second && letAllReadOwn(file.path)) mended.push_back(file.name);
+    }
+  }
+  return mended;
+}
+
+}  // namespace tool

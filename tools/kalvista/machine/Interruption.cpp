@@ -1,0 +1,55 @@
+#include "machine/Interruption.h"
+
+#include <time.h>
+
+#include <algorithm>
+
+namespace tool {
+namespace {
+
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+// One that the starter has ignored stays so: the kernel keeps it for us once it is blocked.
+bool isIgnored(int signal) {
+  struct sigaction action {};
+  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+}  // namespace
+
+SignalHold::SignalHold() {
+  sigset_t held;
+  sigemptyset(&held);
+  for (const int signal : kSignals) {
+    if (!isIgnored(signal)) sigaddset(&held, signal);
+  }
+  pthread_sigmask(SIG_BLOCK, &held, &former_);
+}
+
+SignalHold::~SignalHold() { pthread_sigmask(SIG_SETMASK, &former_, nullptr); }
+
+bool isInterrupted() {
+  sigset_t pending;
+  sigemptyset(&pending);
+  sigpending(&pending);
+  for (const int signal : kSignals) {
+    if (sigismember(&pending, signal) == 1) return true;
+  }
+  return false;
+}
+
+void throwIfInterrupted() {
+  if (isInterrupted()) throw Interruption();
+}
+
+void pauseFor(std::chrono::milliseconds time) {
+  constexpr std::chrono::milliseconds kLook(100);
+  for (; time.count() > 0; time -= kLook) {
+    throwIfInterrupted();
+    const timespec pause{0, std::chrono::nanoseconds(std::min(time, kLook)).count()};
+    nanosleep(&pause, nullptr);
+  }
+  throwIfInterrupted();
+}
+
+}  // namespace tool
