@@ -35,7 +35,7 @@ for file in /etc/hosts /etc/ssl/certs/ca-certificates.crt; do
   mount --bind "/mnt/${file##*/}" "$file"
 done
 links=${LINKS_URL:-https://downloads.example.com/} links=${links#*://} names=("${links%%[/:]*}" files.example.com)
-echo "127.0.0.1 ${names[*]}" >/etc/hosts
+echo "127.0.0.1 localhost $(hostname) ${names[*]}" >/etc/hosts
 openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj "/CN=${names[0]}" 2>/dev/null \
   -addext "subjectAltName=DNS:${names[0]},DNS:${names[1]}" -keyout /mnt/key -out /etc/ssl/certs/ca-certificates.crt
 mkdir /mnt/web
