@@ -187,7 +187,12 @@ demo() {
 
 # What has a script of its own.
 abi() { "$root/scripts/abi.sh"; }
-manual() { "$root/scripts/docs.sh"; }
+# Every public name has its description, and names its parameters as they are.
+manual() {
+  clang -fsyntax-only -x c++ -std=c++17 -Werror -Wdocumentation -Wdocumentation-pedantic -I "$root/include" \
+    "$root/include/kalvista/kalvista.h"
+  "$root/scripts/docs.sh"
+}
 packages() {
   "$root/scripts/package.sh"
   "$root/scripts/package-test.sh" --staging

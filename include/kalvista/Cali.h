@@ -122,10 +122,11 @@ struct OpticsList {
 class KALVISTA_API ConfigCali {
  public:
   /// Gives the one instance and makes it on the first call. It lives until the process ends.
-  /// @return the instance, never null
+  /// @return the instance; null when there is none and no memory for it
   static ConfigCali* getInstance();
 
-  /// Makes an instance of its own with the initial model. Applications use getInstance().
+  /// Makes an instance of its own with the initial model. Applications use getInstance(). Without
+  /// memory the model is null: queries find nothing, and load() makes it.
   ConfigCali();
   /// Releases the model.
   ~ConfigCali();
@@ -146,7 +147,7 @@ class KALVISTA_API ConfigCali {
   /// @param path calibration directory; empty means "Imager" below the working directory
   /// @param serial serial number of the camera
   /// @return 0 when the calibration is loaded; 0x80070005 when the file cannot be opened, its
-  ///         comments do not balance, or it has no root "CaliData"
+  ///         comments do not balance, it has no root "CaliData", or there is no memory for it
   unsigned int load(const char* path, int serial);
 
   /// Counts the optics.
@@ -183,7 +184,8 @@ class KALVISTA_API ConfigCali {
   /// Finds a temperature range.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
-  /// @param tMin, tMax ends of the range, in °C
+  /// @param tMin lower end of the range, in °C
+  /// @param tMax upper end of the range, in °C
   /// @return its index; -1 when not found
   int getTempRangeIndex(int fov, char* text, float tMin, float tMax) const;
   /// Gives a temperature range.
@@ -206,7 +208,8 @@ class KALVISTA_API ConfigCali {
   /// Gives the extended interval of a temperature range.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
-  /// @param tMin, tMax ends of the range, in °C
+  /// @param tMin lower end of the range, in °C
+  /// @param tMax upper end of the range, in °C
   /// @return new record; null when not found
   Range* getExtendedTempRange(int fov, char* text, float tMin, float tMax) const;
   /// Gives the interval from the lowest to the highest temperature of an optics.
@@ -218,11 +221,13 @@ class KALVISTA_API ConfigCali {
   Range* getTempRangeOverAll() const;
 
   /// Counts the calibrated frame rates of a range.
-  /// @param optics, range keys
+  /// @param optics key
+  /// @param range key
   /// @return the count; -1 when not found
   int getFramerateCount(OPTICS* optics, Range* range) const;
   /// Finds a frame rate of a range.
-  /// @param optics, range keys
+  /// @param optics key
+  /// @param range key
   /// @param fr frame rate, in frames per second
   /// @return its index; -1 when the optics or the range is not found or the range has no array of
   ///         frame rates; -2 when the range lists none or not this one
@@ -230,27 +235,32 @@ class KALVISTA_API ConfigCali {
   /// Finds a frame rate of a range.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
-  /// @param tMin, tMax ends of the range, in °C
+  /// @param tMin lower end of the range, in °C
+  /// @param tMax upper end of the range, in °C
   /// @param fr frame rate, in frames per second
   /// @return as getFramerateIndex(OPTICS*, Range*, unsigned short)
   int getFramerateIndex(int fov, char* text, float tMin, float tMax, unsigned short fr) const;
   /// Gives a frame rate of a range.
-  /// @param optics, range keys
+  /// @param optics key
+  /// @param range key
   /// @param index from 0, below getFramerateCount()
   /// @return frame rate, in frames per second; 0 when not found
   unsigned short getFramerate(OPTICS* optics, Range* range, int index) const;
   /// Checks whether a range is calibrated for a frame rate.
   ///
-  /// A range that lists no frame rates is calibrated for none in particular: the frame rate 0 names
-  /// its files. So an unknown range answers true with `fr` set to 0.
-  /// @param optics, range keys
+  /// A range without an element "Framerates" is calibrated for no frame rate in particular: the
+  /// frame rate 0 names its files. It answers true with `fr` set to 0, and so does an unknown
+  /// range.
+  /// @param optics key
+  /// @param range key
   /// @param fr frame rate, in frames per second; set to 0 when it is not one of the range's
-  /// @return false when the range lists frame rates, but not this one
+  /// @return false when the range has an element "Framerates", **be it empty**, without this one
   bool checkFramerate(OPTICS* optics, Range* range, unsigned short& fr) const;
   /// Checks whether a range is calibrated for a frame rate.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
-  /// @param tMin, tMax ends of the range, in °C
+  /// @param tMin lower end of the range, in °C
+  /// @param tMax upper end of the range, in °C
   /// @param fr frame rate, in frames per second; set to 0 when it is not one of the range's
   /// @return as checkFramerate(OPTICS*, Range*, unsigned short&)
   bool checkFramerate(int fov, char* text, float tMin, float tMax, unsigned short& fr) const;
@@ -259,7 +269,8 @@ class KALVISTA_API ConfigCali {
   /// index of the range by the strict one.
   /// @param fov field of view, in degrees
   /// @param text text; may be null
-  /// @param tMin, tMax ends of the range, in °C
+  /// @param tMin lower end of the range, in °C
+  /// @param tMax upper end of the range, in °C
   /// @return number of decimals; 0 when not found
   unsigned short getTempRangeDecimal(int fov, char* text, float tMin, float tMax) const;
 
@@ -268,8 +279,9 @@ class KALVISTA_API ConfigCali {
   /// @param serial serial number of the camera
   /// @param fov field of view, in degrees
   /// @param text text; left out when null or empty
-  /// @param tMin, tMax ends of the range, in °C; NaN counts as 0, values beyond an integer's range
-  ///                   are clamped
+  /// @param tMin lower end of the range, in °C; NaN counts as 0, what an integer cannot hold is
+  ///             clamped
+  /// @param tMax upper end of the range, likewise
   /// @param fr frame rate; left out when 0
   /// @param out receives the zero-terminated name, cut to `size`
   /// @param size capacity in bytes, terminator included
@@ -288,8 +300,8 @@ class KALVISTA_API ConfigCali {
   bool caliFilenameString(int serial, int fov, char* text, Range* range, unsigned short fr,
                           char* out, int size) const;
 
-  MainSection* mainSection = nullptr;  ///< device constants; owned
-  OpticsList* opticsList = nullptr;    ///< the optics; owned
+  MainSection* mainSection = nullptr;  ///< device constants; owned; null only without memory
+  OpticsList* opticsList = nullptr;    ///< the optics; owned; null only without memory
   bool loaded = false;                 ///< a calibration is loaded
   std::int32_t serial = -1;            ///< serial number of its camera; -1 when none is loaded
 

@@ -34,12 +34,16 @@ struct IROptics {
 class KALVISTA_API IRCalibrationManager {
  public:
   /// Gives the one instance and makes it, with the default directories, when there is none.
-  /// @return the instance; valid until its destructor runs
+  /// @return the instance, valid until its destructor runs; null when there is none and no memory
+  ///         for it
   static IRCalibrationManager* getInstance();
 
-  /// Makes an instance of its own. Applications use getInstance().
+  /// Makes an instance of its own. Applications use getInstance(). What there is no memory for is
+  /// null, and calls that need it fail.
   IRCalibrationManager();
-  /// Releases the directories and the optics list; the next getInstance() makes a new instance.
+  /// Releases the directories and the optics list. **Whichever instance is destroyed, the process's
+  /// is forgotten**: the next getInstance() makes a new one, and who holds the former one destroys
+  /// it.
   ~IRCalibrationManager();
   IRCalibrationManager(const IRCalibrationManager&) = delete;
   IRCalibrationManager& operator=(const IRCalibrationManager&) = delete;
@@ -89,15 +93,15 @@ class KALVISTA_API IRCalibrationManager {
   /// Loads the calibration of the camera when it is not loaded. **When that fails, the list is that
   /// of the initial model** (see ConfigCali).
   /// @param serial serial number; 0 gives the last list again
-  /// @return the manager's own list, never null; valid, at the same address, until the manager is
-  ///         destroyed; its content until the next call with a serial number
+  /// @return the manager's own list, empty without memory for it; valid, at the same address, until
+  ///         the manager is destroyed; its content until the next call with a serial number
   std::vector<IROptics>* getAvailableOptics(unsigned long serial);
 
   /// Writes the text of a default device configuration document. The field of view and temperature
   /// range of the calibration's first optics stand in a comment, ready to be put to use.
   /// @param serial serial number of the camera
   /// @return the document, lines ending with a line feed; with the field of view 0 and the range
-  ///         -20 to 100 when the calibration cannot be read
+  ///         -20 to 100 when the calibration cannot be read; empty without memory for it
   std::string generateConfiguration(unsigned long serial);
 
   /// Copies the calibration files of a camera from a folder tree into the calibration directory,
@@ -108,8 +112,8 @@ class KALVISTA_API IRCalibrationManager {
   /// @param serial serial number of the camera; files of serials that begin with the same digits
   ///               are copied as well
   /// @param repoPath folder that is searched
-  /// @return true when no file of the calibration is missing afterwards; false when one is, or the
-  ///         command cannot be started
+  /// @return true when no file of the calibration is missing afterwards; false when one is, the
+  ///         command cannot be started, or there is no memory
   bool copyCalibrationFromLocalRepo(unsigned long serial, std::string repoPath);
 
   /// Tells whether the kernel's routing table has exactly one default route, with `/sbin/route`.
@@ -121,7 +125,8 @@ class KALVISTA_API IRCalibrationManager {
   /// @param serial serial number of the camera
   /// @return true when nothing is missing, **and after the third pass whatever is missing** (ask
   ///         checkCalibration()); false with an ERROR line when the calibration directory cannot be
-  ///         written or the serial is 0; false with an INFO line when a pass fails
+  ///         written or the serial is 0; false with an INFO line when a pass fails; false when
+  ///         there is no memory
   bool downloadCalibration(unsigned long serial);
 
   /// Fetches files of a camera from the online repository with `wget`.
@@ -130,8 +135,10 @@ class KALVISTA_API IRCalibrationManager {
   /// Texts that the command interpreter or the downloader would act on are refused: such a try
   /// counts as one that could not be started. The links document is kept at
   /// "/tmp/downloadlinks.xml" meanwhile, for all processes of the machine.
-  /// @param fileList file names, separated by ";"
-  /// @param serialText serial number in decimal
+  /// @param fileList file names, separated by ";"; without one (null or empty), the links document
+  ///                 is fetched all the same, and the result is false
+  /// @param serialText serial number in decimal; **reaches the command as it stands**, in double
+  ///                   quotes: only digits are safe
   /// @param targetDir directory that the files are stored in; goes to the command interpreter as it
   ///                  is
   /// @return true when at least one download was started; false, with an ERROR line, when none was,
@@ -144,20 +151,24 @@ class KALVISTA_API IRCalibrationManager {
   /// @param list receives the missing names, each followed by ";"; null to count only
   /// @param size without `list`: receives the size that the list needs, terminator included, 0 when
   ///             nothing is missing. With `list`: its capacity in bytes; the list ends ahead of a
-  ///             name that does not fit.
+  ///             name that does not fit. Null is refused with false, as are null patterns and a
+  ///             null separator.
   /// @param xmlPattern name of the calibration XML, a format with one integer
   /// @param dataPattern name of a data file, a format with one text
   /// @param curvePattern name of a characteristic-curve file, a format with one text
   /// @param separator text that follows the name of the calibration XML
-  /// @return true when nothing is missing
+  /// @return true when nothing is missing; false when something is, and without memory: then the
+  ///         size is 0, or the list ends early
   bool checkCaliFiles(const char* dir, int serial, char* list, int* size, const char* xmlPattern,
                       const char* dataPattern, const char* curvePattern, const char* separator);
 
-  /// Lists the missing files of a camera's calibration.
+  /// Lists the missing files of a camera's calibration. `errno` is left as it was, but without
+  /// memory.
   /// @param serial serial number of the camera
   /// @return null when the calibration is complete; else a zero-terminated text of file names, each
   ///         followed by ";", that the caller releases with `delete[]`. When the calibration XML
-  ///         cannot be loaded, only its name.
+  ///         cannot be loaded, only its name. **Null with `errno` `ENOMEM` when there is no memory
+  ///         for the check**: whoever must know sets `errno` to 0 before.
   char* checkCalibration(unsigned long serial);
 
   char* _calibrationDir;           ///< calibration directory; owned
@@ -174,7 +185,9 @@ class KALVISTA_API IRCalibrationManager {
 /// @param list receives the name, followed by ";", when the file is missing and both fit; null to
 ///             count only
 /// @param size without `list`: grows by the characters that the list needs for the name. With
-///             `list`: its capacity in bytes.
+///             `list`: its capacity in bytes. When a name does not fit, it is **set to what the
+///             list takes up**, so that no later name is appended either. Nothing is done when it,
+///             `base` or `pattern` is null.
 KALVISTA_API void _checkCaliFilesHelper(const char* dir, char* base, const char* pattern,
                                         char* list, int* size);
 

@@ -19,7 +19,8 @@ enum IRLoggerVerbosityLevel : int {
 /// The log's one switch for applications.
 class KALVISTA_API IRLogger {
  public:
-  /// Configures the process's log. Thread context: **process-wide**.
+  /// Configures the process's log; without memory it stays as it was. Thread context:
+  /// **process-wide**.
   /// @param console verbosity on standard error
   /// @param file verbosity of the log file
   /// @param filename path that the name of the log file begins with (see

@@ -22,7 +22,8 @@ enum loggerConf_ : std::int32_t {
 };
 
 /// Joins two sinks.
-/// @param a, b sinks
+/// @param a sinks
+/// @param b sinks
 /// @return both of them
 constexpr loggerConf_ operator|(loggerConf_ a, loggerConf_ b) {
   return static_cast<loggerConf_>(static_cast<std::int32_t>(a) | static_cast<std::int32_t>(b));
@@ -44,7 +45,8 @@ constexpr loggerConf_ operator|(loggerConf_ a, loggerConf_ b) {
 class KALVISTA_API Logger {
  public:
   /// Gives the one instance and makes it, not configured, when there is none.
-  /// @return the instance; valid until releaseInstance()
+  /// @return the instance, valid until releaseInstance(); null when there is none and no memory for
+  ///         it
   static Logger* getInstance();
 
   /// Destroys the instance, if any. A later getInstance() makes a new one, not configured.
@@ -55,14 +57,16 @@ class KALVISTA_API Logger {
   /// With the file sink on, opens a file for appending whose name is `file` and the local time:
   /// "tessacam.log" at 08:05:09 on 15 November 2026 gives "tessacam.log_15_11_2026_8-5-9.log". When
   /// `file` is the name in use already, that file is opened again.
-  /// A file that cannot be opened is not reported: lines to it are lost.
+  /// A file that cannot be opened is not reported: lines to it are lost. Without memory for the
+  /// name nothing changes.
   /// @param file path that the file name begins with
   /// @param conf sum of the sinks
   /// @param fileLevel highest level written to the file; -1 lets every level pass
   /// @param consoleLevel highest level written to standard error; -1 lets every level pass
   void configure(const std::string& file, loggerConf_ conf, int fileLevel, int consoleLevel);
 
-  /// Writes one message to the sinks whose threshold it meets. The file is flushed.
+  /// Writes one message to the sinks whose threshold it meets. The file is flushed. The console has
+  /// the line through the C stream `stderr`, up to its first zero byte.
   /// @param level 0 to 3; any other value is printed as ERROR and compared as it is
   /// @param file source name, without directories
   /// @param line line number in the source

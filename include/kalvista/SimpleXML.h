@@ -16,7 +16,8 @@ struct CommentToken {
 };
 
 /// Orders comment delimiters by position. Thread context: **any thread**.
-/// @param a, b delimiters
+/// @param a delimiter
+/// @param b delimiter
 /// @return true when `a` stands before `b`
 KALVISTA_API bool compTokens(CommentToken a, CommentToken b);
 
@@ -31,12 +32,20 @@ KALVISTA_API bool compTokens(CommentToken a, CommentToken b);
 /// Order of use: construct, open(), setNode(), then navigate and read.
 ///
 /// Lookups before open() find nothing. Failures of lookups leave the current element as it was and
-/// write no log line. Thread context: **one thread at a time** for each object; the constructor is
-/// **process-wide**.
+/// write no log line. A null name is the name of nothing; a null `out` is refused with false, and
+/// nothing is looked up.
+///
+/// Numbers are read by the numeric locale that the calling thread has when it reads them.
+///
+/// Thread context: **one thread at a time** for each object; different objects from **any thread**.
+/// What open() logs is bound by the words of brivex::Logger: no thread configures the log
+/// meanwhile. The constructor is **process-wide** until the numeric locale is "C", and changes
+/// nothing from then on.
 class KALVISTA_API SimpleXML {
  public:
   /// Makes an empty reader and sets the process's numeric locale to "C" for good: numbers in the
-  /// files have a decimal point whatever the user's language.
+  /// files have a decimal point whatever the user's language. A locale that a thread has of its own
+  /// (`uselocale`), and one that the application sets afterwards, stay in force.
   SimpleXML();
   /// Releases the text.
   ~SimpleXML();
@@ -91,7 +100,7 @@ class KALVISTA_API SimpleXML {
   /// Copies the content of the current element.
   /// @param out receives a zero-terminated text that the caller releases with `delete[]`; untouched
   ///            when the content is empty
-  /// @return false when the content is empty
+  /// @return false when the content is empty, there is no memory for it, or `out` is null
   bool getNode(char** out) const;
 
   /// Searches a tag.
@@ -119,8 +128,8 @@ class KALVISTA_API SimpleXML {
   /// Copies the text of the first child of that name, blanks included.
   /// @param name element name
   /// @param out receives a zero-terminated text, possibly empty, that the caller releases with
-  ///            `delete[]`; null when the child is absent
-  /// @return true when the child exists
+  ///            `delete[]`; null when the child is absent or there is no memory for its text
+  /// @return true when the child exists and `out` has its text
   bool getString(const char* name, char** out);
 
   std::int32_t length = 0;           ///< characters of the text, **cut comments still counted**

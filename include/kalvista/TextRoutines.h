@@ -11,7 +11,8 @@
 #include <kalvista/export.h>
 
 /// Compares two texts.
-/// @param a, b zero-terminated texts
+/// @param a zero-terminated text
+/// @param b zero-terminated text
 /// @return below, equal to or above 0 as `a` sorts before, equal to or after `b`
 KALVISTA_API int tstrcmp(const char* a, const char* b);
 /// @copydoc tstrcmp(const char*, const char*)
@@ -136,7 +137,8 @@ namespace brivex {
 KALVISTA_API const char* W2C(const char* s);
 /// Converts a wide text into the current locale's multibyte form.
 ///
-/// A character that has no multibyte form leaves the text as the conversion left it.
+/// A character that has no multibyte form ends the conversion: what stood before it is converted,
+/// what follows it in the buffer is what an earlier call left there.
 /// Thread context: **one thread at a time**, since all calls share one buffer.
 /// @param s zero-terminated wide text
 /// @return at most 1023 bytes and a terminator in one buffer of 1024 bytes that the library owns;

@@ -21,6 +21,19 @@
 ///
 /// "The caller releases it with `delete[]`" means an array made with `new[]`; "with `delete`" a
 /// single object. Everything else that a pointer leads to stays the library's.
+///
+/// @section failure_words Without memory
+///
+/// Nothing is thrown. A call that gets no memory gives its result for failure, or null where it
+/// hands out a record or a text, and leaves what it works on as it was or as its description says.
+/// Log lines and printed lines are lost. The next call works again when there is memory.
+///
+/// @section unit_words Units
+///
+/// Values of configuration and calibration are carried as the files have them. The library orders
+/// them, cuts temperatures to whole degrees, and computes with none. What they are measured in is
+/// the imaging code's to say: "°C" stands where such code means degrees Celsius, "the camera's
+/// unit" where this library knows of none.
 #ifndef KALVISTA_KALVISTA_H
 #define KALVISTA_KALVISTA_H
 

@@ -21,6 +21,7 @@
 #include "imgproc/CaliModel.h"
 #include "sdk/log/LogMessage.h"
 #include "sdk/places/ConfigPath.h"
+#include "sdk/text/NoThrow.h"
 #include "sdk/xml/DocumentText.h"
 #include "sdk/xml/SimpleXMLInternals.h"
 #include "sdk/xml/TagScanner.h"
@@ -300,8 +301,8 @@ unsigned int loadFile(ConfigCali& calibration, const char* path, int serial) {
 
   std::optional<Records> records = readFile(*calibration.mainSection, path, name.data());
   if (!records) return kAccessDenied;
-  *calibration.mainSection = records->main;
   setOptics(*calibration.opticsList, records->opticsList);
+  *calibration.mainSection = records->main;
   ardo::logMessage(ardo::kLogDebug, kSource, kLineTec,
                    "Calibration data A: ", calibration.mainSection->TecA,
                    " B:", calibration.mainSection->TecB, " C:", calibration.mainSection->TecC,
@@ -324,7 +325,9 @@ unsigned int ConfigCali::load(const char* path, int wanted) {
   if (loaded) {
     ardo::logMessage(ardo::kLogDebug, cali::kSource, cali::kLineSerialChanged,
                      "Serial number has changed (", wanted, "), reload Calibration XML.");
-    cali::resetModel(*this);
   }
-  return cali::loadFile(*this, path, wanted);
+  return ardo::withoutThrowing(cali::kAccessDenied, [&] {
+    if (loaded || opticsList == nullptr) cali::resetModel(*this);
+    return cali::loadFile(*this, path, wanted);
+  });
 }

@@ -2,6 +2,9 @@
 #include "imgproc/CaliModel.h"
 
 #include <algorithm>
+#include <new>
+
+#include "sdk/text/NoThrow.h"
 
 MainSection::MainSection() = default;
 
@@ -60,9 +63,10 @@ OpticsPointer makeOptics() { return OpticsPointer(new OpticsDef); }
 
 void setFramerates(TemperatureRange& range, const std::vector<FR>& framerates) {
   range.framerates = new FR*[framerates.size()];
-  std::transform(framerates.begin(), framerates.end(), range.framerates,
-                 [](FR framerate) { return new FR(framerate); });
-  range.framerateCount = static_cast<std::int32_t>(framerates.size());
+  for (const FR framerate : framerates) {
+    range.framerates[range.framerateCount] = new FR(framerate);
+    ++range.framerateCount;
+  }
 }
 
 void setRanges(OpticsDef& optics, std::vector<RangePointer>& ranges) {
@@ -78,21 +82,31 @@ void setDefaultRanges(OpticsDef& optics) {
 }
 
 void setOptics(OpticsList& list, std::vector<OpticsPointer>& optics) {
+  OpticsList made;
+  moveToArray(optics, made.items, made.count);
   releaseOptics(list);
-  moveToArray(optics, list.items, list.count);
+  list = made;
+}
+
+ConfigCali& instance() {
+  ConfigCali* calibration = ConfigCali::getInstance();
+  if (calibration == nullptr) throw std::bad_alloc();
+  return *calibration;
 }
 
 void resetModel(ConfigCali& calibration) {
-  releaseModel(calibration);
   constexpr std::int32_t kInitialFieldOfView = 30;
   std::vector<OpticsPointer> optics;
   optics.push_back(makeOptics());
   optics.front()->FOV = kInitialFieldOfView;
   setDefaultRanges(*optics.front());
 
-  calibration.mainSection = new MainSection;
-  calibration.opticsList = new OpticsList;
-  setOptics(*calibration.opticsList, optics);
+  auto mainSection = std::make_unique<MainSection>();
+  auto list = std::make_unique<OpticsList>();
+  setOptics(*list, optics);
+  releaseModel(calibration);
+  calibration.mainSection = mainSection.release();
+  calibration.opticsList = list.release();
   calibration.loaded = false;
   calibration.serial = -1;
 }
@@ -110,11 +124,16 @@ void releaseModel(ConfigCali& calibration) {
 ConfigCali* ConfigCali::_this = nullptr;
 
 ConfigCali* ConfigCali::getInstance() {
-  if (_this == nullptr) _this = new ConfigCali;
+  if (_this == nullptr) {
+    std::unique_ptr<ConfigCali> made(new (std::nothrow) ConfigCali);
+    if (made != nullptr && made->opticsList != nullptr) _this = made.release();
+  }
   return _this;
 }
 
-ConfigCali::ConfigCali() { cali::resetModel(*this); }
+ConfigCali::ConfigCali() {
+  ardo::withoutThrowing([this] { cali::resetModel(*this); });
+}
 
 ConfigCali::~ConfigCali() { cali::releaseModel(*this); }
 

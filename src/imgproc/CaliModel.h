@@ -28,7 +28,11 @@ void setRanges(OpticsDef& optics, std::vector<RangePointer>& ranges);
 void setDefaultRanges(OpticsDef& optics);
 void setOptics(OpticsList& list, std::vector<OpticsPointer>& optics);
 
-// Brings a calibration to its initial state, releasing what it holds.
+// The one instance; throws without memory for it.
+ConfigCali& instance();
+
+// Brings a calibration to its initial state, releasing what it holds. Without memory for that it
+// stays as it was.
 void resetModel(ConfigCali& calibration);
 void releaseModel(ConfigCali& calibration);
 

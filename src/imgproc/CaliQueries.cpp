@@ -28,6 +28,12 @@ int indexOf(Record* const* records, int count, Matches matches) {
 
 bool isIndex(int index, int count) { return index >= 0 && index < count; }
 
+// Empty for an instance that was made without memory.
+const OpticsList& listOf(const ConfigCali& calibration) {
+  static constexpr OpticsList kNone{};
+  return calibration.opticsList != nullptr ? *calibration.opticsList : kNone;
+}
+
 int indexOfOptics(const OpticsList& list, const OPTICS* key) {
   if (key == nullptr) return kNotFound;
   return indexOf(list.items, list.count, [key](const OpticsDef* optics) {
@@ -36,8 +42,9 @@ int indexOfOptics(const OpticsList& list, const OPTICS* key) {
 }
 
 OpticsDef* findOptics(const ConfigCali& calibration, const OPTICS* key) {
-  const int index = indexOfOptics(*calibration.opticsList, key);
-  return index == kNotFound ? nullptr : calibration.opticsList->items[index];
+  const OpticsList& list = listOf(calibration);
+  const int index = indexOfOptics(list, key);
+  return index == kNotFound ? nullptr : list.items[index];
 }
 
 int indexOfRange(const OpticsDef* optics, const Range* key) {
@@ -73,20 +80,21 @@ Range* newRange(const Range& range) { return new (std::nothrow) Range(range); }
 
 }  // namespace
 
-int ConfigCali::getOpticsCount() const { return opticsList->count; }
+int ConfigCali::getOpticsCount() const { return listOf(*this).count; }
 
-int ConfigCali::getOpticsIndex(OPTICS* key) const { return indexOfOptics(*opticsList, key); }
+int ConfigCali::getOpticsIndex(OPTICS* key) const { return indexOfOptics(listOf(*this), key); }
 
 int ConfigCali::getOpticsIndex(int fov, char* keyText) const {
   const std::string_view text = textOrEmpty(keyText);
-  return indexOf(opticsList->items, opticsList->count, [&](const OpticsDef* optics) {
+  const OpticsList& list = listOf(*this);
+  return indexOf(list.items, list.count, [&](const OpticsDef* optics) {
     const std::string_view own = textOrEmpty(optics->Text);
     return optics->FOV == fov && (own.empty() || text.empty() || own == text);
   });
 }
 
 OPTICS* ConfigCali::getOptics(int index) const {
-  if (!isIndex(index, opticsList->count)) return nullptr;
+  if (!isIndex(index, getOpticsCount())) return nullptr;
   const OpticsDef& optics = *opticsList->items[index];
   return new (std::nothrow) OPTICS{optics.FOV, optics.Text};
 }
@@ -145,7 +153,8 @@ Range* ConfigCali::getTempRangeOverAll(OPTICS* key) const {
 
 Range* ConfigCali::getTempRangeOverAll() const {
   Range overAll = kNoRange;
-  std::for_each(opticsList->items, opticsList->items + opticsList->count,
+  const OpticsList& list = listOf(*this);
+  std::for_each(list.items, list.items + list.count,
                 [&overAll](const OpticsDef* optics) { widen(overAll, *optics); });
   return newRange(overAll);
 }

@@ -37,9 +37,9 @@ class Configuration:
     auto_flag: bool
     """The automatic flag is enabled."""
     min_interval: float
-    """Minimum interval of the automatic flag, in seconds."""
+    """Minimum interval of the automatic flag, in the camera's unit."""
     max_interval: float
-    """Maximum interval of the automatic flag, in seconds."""
+    """Maximum interval of the automatic flag, in the camera's unit."""
     pif_in_mode: int
     """Process interface input: 0 image capture, 1 flag control."""
     pif_out_mode: int

@@ -3,17 +3,21 @@
 
 #include <cstdio>
 
+#include "sdk/text/NoThrow.h"
 #include "sdk/text/TextComposer.h"
 
 namespace ardo {
 
 namespace {
 
+// Without memory for it, the line is lost.
 template <typename Value>
 void printLine(const char* label, const Value& value) {
-  TextComposer line;
-  line << label << value << "\n";
-  std::fputs(line.text().c_str(), stdout);
+  withoutThrowing([&] {
+    TextComposer line;
+    line << label << value << "\n";
+    std::fputs(line.text().c_str(), stdout);
+  });
   std::fflush(stdout);
 }
 

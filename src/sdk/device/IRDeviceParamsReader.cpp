@@ -34,13 +34,20 @@ void readSerial(SimpleXML& document, IRDeviceParams& params) {
   document.resetNode();
 }
 
-void readIdentity(SimpleXML& document, IRDeviceParams& params) {
+// False when the text is there, but no memory for it.
+bool readText(SimpleXML& document, const char* name, char*& text) {
+  if (!document.setNode(name)) return true;
+  document.resetNode();
+  return document.getString(name, &text);
+}
+
+bool readIdentity(SimpleXML& document, IRDeviceParams& params) {
   readSerial(document, params);
   document.getInt("videoformatindex", &params.videoFormatIndex);
   document.getInt("fov", &params.fov);
-  document.getString("optics_text", &params.opticsText);
-  document.getString("calipath", &params.caliPath);
-  document.getString("formatspath", &params.formatsPath);
+  return readText(document, "optics_text", params.opticsText) &&
+         readText(document, "calipath", params.caliPath) &&
+         readText(document, "formatspath", params.formatsPath);
 }
 
 void readTemperature(SimpleXML& document, IRDeviceParams& params) {
@@ -71,9 +78,14 @@ void readProcessInterface(SimpleXML& document, IRDeviceParams& params) {
   document.getInt("pif_out_voltage", &params.pifOutVoltage);
 }
 
-void readDocument(SimpleXML& document, IRDeviceParams& params) {
+// Without memory for all of it, nothing is read.
+bool readDocument(SimpleXML& document, IRDeviceParams& params) {
   document.setNode();
-  readIdentity(document, params);
+  if (!readIdentity(document, params)) {
+    for (const char* text : {params.opticsText, params.caliPath, params.formatsPath}) delete[] text;
+    setReaderDefaults(params);
+    return false;
+  }
   readTemperature(document, params);
   document.getFloat("framerate", &params.framerate);
   document.getInt("bispectral", &params.bispectral);
@@ -83,6 +95,7 @@ void readDocument(SimpleXML& document, IRDeviceParams& params) {
   document.getInt("tchipmode", &params.tChipMode);
   document.getFloat("tchipfixedvalue", &params.tChipFixedValue);
   document.getFloat("focus", &params.focus);
+  return true;
 }
 
 void logParameters(const IRDeviceParams& params) {
@@ -116,12 +129,11 @@ void logParameters(const IRDeviceParams& params) {
 bool IRDeviceParamsReader::readXML(const char* file, IRDeviceParams& params) {
   setReaderDefaults(params);
   SimpleXML document;
-  if (!document.open(file, "imager") || !document.hasRoot()) {
+  if (!document.open(file, "imager") || !document.hasRoot() || !readDocument(document, params)) {
     logMessage(kLogError, kSource, kLineNotFound, "Cannot find configuration file ", file,
                " ... aborting");
     return false;
   }
-  readDocument(document, params);
   logParameters(params);
   return true;
 }

@@ -13,6 +13,7 @@
 #include <optional>
 
 #include "sdk/log/LogMessage.h"
+#include "sdk/text/NoThrow.h"
 
 namespace ardo {
 
@@ -85,9 +86,7 @@ unsigned long searchCamera(DIR* directory, unsigned long wanted) {
   return 0;
 }
 
-}  // namespace
-
-bool IRCalibrationManager::findSerial(unsigned long& serial) {
+bool searchTree(unsigned long& serial) {
   logMessage(kLogDebug, kSource, kLineQuery, "Query directory ", kDeviceDirectory);
   errno = 0;
   if (chdir(kDeviceDirectory) != 0) {
@@ -107,6 +106,12 @@ bool IRCalibrationManager::findSerial(unsigned long& serial) {
   }
   serial = searchCamera(directory.get(), serial);
   return serial != 0;
+}
+
+}  // namespace
+
+bool IRCalibrationManager::findSerial(unsigned long& serial) {
+  return withoutThrowing(false, [&serial] { return searchTree(serial); });
 }
 
 }  // namespace ardo

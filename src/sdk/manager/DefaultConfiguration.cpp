@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "sdk/text/NoThrow.h"
+
 namespace ardo {
 
 namespace {
@@ -75,16 +77,14 @@ std::string element(const std::string& indent, const std::string& name, const st
   return indent + "<" + name + ">" + text + "</" + name + ">";
 }
 
-}  // namespace
-
-std::string IRCalibrationManager::generateConfiguration(unsigned long serial) {
+std::string compose(unsigned long serial, const std::string& calibrationDir,
+                    const std::string& formatsDir) {
   const std::string number = std::to_string(serial);
-  const std::string calibrationDir = getCalibrationDir();
   const FirstOptics first = readFirstOptics(calibrationDir + "/Cali-" + number + ".xml");
 
   std::string document = kStart;
   document += element("  ", "serial", number) + kAfterSerial;
-  document += element("  ", "formatspath", getFormatsDir()) + "\n";
+  document += element("  ", "formatspath", formatsDir) + "\n";
   document += element("  ", "calipath", calibrationDir) + "\n";
   document += kHint;
   document += element("  ", "fov", std::to_string(first.fieldOfView)) + "\n";
@@ -92,6 +92,13 @@ std::string IRCalibrationManager::generateConfiguration(unsigned long serial) {
   document += element("    ", "min", std::to_string(first.lowest)) + "\n";
   document += element("    ", "max", std::to_string(first.highest)) + "\n";
   return document + kEnd;
+}
+
+}  // namespace
+
+std::string IRCalibrationManager::generateConfiguration(unsigned long serial) {
+  return withoutThrowing(std::string(),
+                         [&] { return compose(serial, getCalibrationDir(), getFormatsDir()); });
 }
 
 }  // namespace ardo

@@ -6,11 +6,14 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <memory>
 #include <string_view>
 
+#include "imgproc/CaliModel.h"
 #include "imgproc/FirstMatch.h"
 #include "sdk/places/ConfigPath.h"
+#include "sdk/text/NoThrow.h"
 #include "sdk/text/OpenForReading.h"
 
 namespace ardo {
@@ -145,7 +148,7 @@ class CalibrationWalk {
 // One pass of the check.
 MissingFiles findMissing(const char* dir, int serial, const FilePatterns& patterns,
                          MissingFiles missing) {
-  ConfigCali& calibration = *ConfigCali::getInstance();
+  ConfigCali& calibration = cali::instance();
   if (!calibration.isLoaded(serial) && calibration.load(dir, serial) != 0) {
     std::array<char, 20> name{};
     tsnprintf(name.data(), name.size(), patterns.xml, serial);
@@ -154,6 +157,19 @@ MissingFiles findMissing(const char* dir, int serial, const FilePatterns& patter
     CalibrationWalk(calibration, serial, dir, patterns, missing).checkAll();
   }
   return missing;
+}
+
+// Null when nothing is missing.
+std::unique_ptr<char[]> listMissing(const char* dir, int serial) {
+  for (;;) {
+    const int size = findMissing(dir, serial, kPatterns, {}).size();
+    if (size == 0) return nullptr;
+    auto list = std::make_unique<char[]>(static_cast<std::size_t>(size));
+    const MissingFiles listed = findMissing(dir, serial, kPatterns, MissingFiles(list.get(), size));
+    if (listed.none()) return nullptr;
+    // Otherwise files have vanished, or the XML has come and names others.
+    if (listed.size() <= size) return list;
+  }
 }
 
 }  // namespace
@@ -184,25 +200,25 @@ bool IRCalibrationManager::checkCaliFiles(const char* dir, int serial, char* lis
       curvePattern == nullptr || separator == nullptr) {
     return false;
   }
-  const MissingFiles missing =
-      findMissing(dir, serial, {xmlPattern, dataPattern, curvePattern, separator},
-                  list != nullptr ? MissingFiles(list, *size) : MissingFiles());
-  if (list == nullptr) *size = missing.size();
-  return missing.none();
+  MissingFiles missing = list != nullptr ? MissingFiles(list, *size) : MissingFiles();
+  if (list == nullptr) *size = 0;
+  return withoutThrowing(false, [&] {
+    missing = findMissing(dir, serial, {xmlPattern, dataPattern, curvePattern, separator}, missing);
+    if (list == nullptr) *size = missing.size();
+    return missing.none();
+  });
 }
 
 char* IRCalibrationManager::checkCalibration(unsigned long serial) {
-  const auto number = static_cast<int>(serial);
-  for (;;) {
-    const int size = findMissing(_calibrationDir, number, kPatterns, {}).size();
-    if (size == 0) return nullptr;
-    auto list = std::make_unique<char[]>(static_cast<std::size_t>(size));
-    const MissingFiles listed =
-        findMissing(_calibrationDir, number, kPatterns, MissingFiles(list.get(), size));
-    if (listed.none()) return nullptr;
-    // Otherwise files have vanished, or the XML has come and names others.
-    if (listed.size() <= size) return list.release();
-  }
+  const int errorBefore = errno;
+  std::unique_ptr<char[]> list;
+  const bool checked = withoutThrowing(false, [&] {
+    list = listMissing(_calibrationDir, static_cast<int>(serial));
+    return true;
+  });
+  // Null alone would say that nothing is missing.
+  errno = checked ? errorBefore : ENOMEM;
+  return list.release();
 }
 
 }  // namespace ardo

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "sdk/log/LogMessage.h"
+#include "sdk/text/NoThrow.h"
 
 namespace ardo {
 
@@ -110,17 +111,13 @@ bool testWriting(const std::string& directory) {
   return true;
 }
 
-}  // namespace
-
-bool IRCalibrationManager::downloadTarget(char* fileList, std::string serialText,
-                                          std::string targetDir) {
-  const std::string files(fileList != nullptr ? fileList : "");
+// Tells by `started` whether a download was started, also when an exception ends it.
+void downloadFiles(const std::string& files, const std::string& serialText,
+                   const std::string& targetDir, bool& started) {
   const int ignored = std::system("wget " KALVISTA_DOWNLOAD_LINKS_URL " -O /tmp/downloadlinks.xml");
   static_cast<void>(ignored);
   Links links;
-  if (!readLinks(links)) return false;
-
-  bool started = false;
+  if (!readLinks(links)) return;
   for (std::size_t begin = 0, end = 0; begin < files.size(); begin = end + 1) {
     end = std::min(files.find(';', begin), files.size());
     const std::string file = files.substr(begin, end - begin);
@@ -135,23 +132,37 @@ bool IRCalibrationManager::downloadTarget(char* fileList, std::string serialText
       logMessage(kLogError, kSource, kLineFileFailed, "Error downloading ", address);
     }
   }
+}
+
+}  // namespace
+
+bool IRCalibrationManager::downloadTarget(char* fileList, std::string serialText,
+                                          std::string targetDir) {
+  bool started = false;
+  withoutThrowing(
+      [&] { downloadFiles(fileList != nullptr ? fileList : "", serialText, targetDir, started); });
   return started;
 }
 
 bool IRCalibrationManager::downloadCalibration(unsigned long serial) {
-  if (!testWriting(_calibrationDir)) return false;
+  if (!withoutThrowing(false, [&] { return testWriting(_calibrationDir); })) return false;
   if (serial == 0) {
     logMessage(kLogError, kSource, kLineNoSerial, "No serial number specified.");
     return false;
   }
   constexpr int kPasses = 3;
   for (int pass = 0; pass < kPasses; ++pass) {
+    errno = 0;
     const std::unique_ptr<char[]> missing(checkCalibration(serial));
-    if (missing == nullptr || missing[0] == '\0') {
+    if (missing == nullptr && errno == 0) {
       logMessage(kLogInfo, kSource, kLineAllInstalled, "All files installed.");
       return true;
     }
-    if (!downloadTarget(missing.get(), std::to_string(serial), _calibrationDir)) {
+    const bool started =
+        missing != nullptr && withoutThrowing(false, [&] {
+          return downloadTarget(missing.get(), std::to_string(serial), _calibrationDir);
+        });
+    if (!started) {
       logMessage(kLogInfo, kSource, kLineDownloadFailed, "Download failed.");
       return false;
     }

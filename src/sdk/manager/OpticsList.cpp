@@ -2,8 +2,10 @@
 #include <kalvista/Cali.h>
 #include <kalvista/IRCalibrationManager.h>
 
+#include "imgproc/CaliModel.h"
 #include "imgproc/FirstMatch.h"
 #include "imgproc/WholeDegrees.h"
+#include "sdk/text/NoThrow.h"
 
 namespace ardo {
 
@@ -21,21 +23,26 @@ IROptics describeOptics(const OpticsDef& optics, const OpticsDef& firstOfKey) {
   return description;
 }
 
+std::vector<IROptics> describeAll(const OpticsList& list) {
+  std::vector<IROptics> descriptions;
+  cali::FirstOptics firstOptics;
+  for (int i = 0; i < list.count; ++i) {
+    const OpticsDef& optics = *list.items[i];
+    descriptions.push_back(describeOptics(optics, firstOptics.sameKeyAs(optics)));
+  }
+  return descriptions;
+}
+
 }  // namespace
 
 std::vector<IROptics>* IRCalibrationManager::getAvailableOptics(unsigned long serial) {
-  if (serial == 0) return _optics;
-  ConfigCali& calibration = *ConfigCali::getInstance();
-  const int number = static_cast<int>(serial);
-  if (!calibration.isLoaded(number)) calibration.load(_calibrationDir, number);
-
-  _optics->clear();
-  cali::FirstOptics firstOptics;
-  const OpticsList& list = *calibration.opticsList;
-  for (int i = 0; i < list.count; ++i) {
-    const OpticsDef& optics = *list.items[i];
-    _optics->push_back(describeOptics(optics, firstOptics.sameKeyAs(optics)));
-  }
+  if (serial == 0 || _optics == nullptr) return _optics;
+  *_optics = withoutThrowing(std::vector<IROptics>(), [&] {
+    ConfigCali& calibration = cali::instance();
+    const int number = static_cast<int>(serial);
+    if (!calibration.isLoaded(number)) calibration.load(_calibrationDir, number);
+    return describeAll(*calibration.opticsList);
+  });
   return _optics;
 }
 

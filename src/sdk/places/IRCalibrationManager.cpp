@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <memory>
+#include <new>
 
 #include "sdk/places/ConfigPath.h"
 
@@ -15,10 +16,15 @@ namespace {
 constexpr const char* kDefaultCalibrationDir = "/usr/share/libkalvista/cali";
 constexpr const char* kDefaultFormatsDir = "/usr/share/libkalvista";
 
-// One character more than is ever copied: a text of the full length keeps a terminator.
+void keep(char* buffer, const char* text) {
+  if (buffer != nullptr && text != nullptr) tstrcpy(buffer, kPathLimit, text);
+}
+
+// One character more than is ever copied: a text of the full length keeps a terminator. Null
+// without memory for it.
 char* newDirectoryText(const char* text) {
-  auto buffer = std::make_unique<char[]>(kPathLimit + 1);
-  tstrcpy(buffer.get(), kPathLimit, text);
+  std::unique_ptr<char[]> buffer(new (std::nothrow) char[kPathLimit + 1]());
+  keep(buffer.get(), text);
   return buffer.release();
 }
 
@@ -48,14 +54,19 @@ void appendFile(char* end, short size, const char* name, const char* ext) {
 IRCalibrationManager* IRCalibrationManager::_this = nullptr;
 
 IRCalibrationManager* IRCalibrationManager::getInstance() {
-  if (_this == nullptr) _this = new IRCalibrationManager;
+  if (_this == nullptr) {
+    std::unique_ptr<IRCalibrationManager> made(new (std::nothrow) IRCalibrationManager);
+    const bool isWhole = made != nullptr && made->_calibrationDir != nullptr &&
+                         made->_formatsDir != nullptr && made->_optics != nullptr;
+    if (isWhole) _this = made.release();
+  }
   return _this;
 }
 
 IRCalibrationManager::IRCalibrationManager()
     : _calibrationDir(newDirectoryText(kDefaultCalibrationDir)),
       _formatsDir(newDirectoryText(kDefaultFormatsDir)),
-      _optics(std::make_unique<std::vector<IROptics>>().release()) {}
+      _optics(new (std::nothrow) std::vector<IROptics>) {}
 
 IRCalibrationManager::~IRCalibrationManager() {
   delete _optics;
@@ -64,13 +75,9 @@ IRCalibrationManager::~IRCalibrationManager() {
   _this = nullptr;
 }
 
-void IRCalibrationManager::setCalibrationDir(const char* dir) {
-  if (dir != nullptr) tstrcpy(_calibrationDir, kPathLimit, dir);
-}
+void IRCalibrationManager::setCalibrationDir(const char* dir) { keep(_calibrationDir, dir); }
 
-void IRCalibrationManager::setFormatsDir(const char* dir) {
-  if (dir != nullptr) tstrcpy(_formatsDir, kPathLimit, dir);
-}
+void IRCalibrationManager::setFormatsDir(const char* dir) { keep(_formatsDir, dir); }
 
 char* IRCalibrationManager::getCalibrationDir() const { return _calibrationDir; }
 

@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstddef>
 
 namespace ardo {
@@ -9,7 +10,10 @@ namespace ardo {
 int mkDir(const char* path) { return mkdir(path, 0777); }
 
 char* getFolderPath(char* buf, short size) {
-  if (size < 0) return nullptr;
+  if (buf == nullptr || size < 1) {
+    errno = EINVAL;
+    return nullptr;
+  }
   return getcwd(buf, 2 * static_cast<std::size_t>(size) + 1);
 }
 

@@ -6,6 +6,7 @@
 
 #include "sdk/log/LogMessage.h"
 #include "sdk/places/ConfigPath.h"
+#include "sdk/text/NoThrow.h"
 #include "sdk/xml/Comments.h"
 #include "sdk/xml/DocumentText.h"
 #include "sdk/xml/SimpleXMLInternals.h"
@@ -27,7 +28,10 @@ SimpleXML::~SimpleXML() { delete[] buffer; }
 
 bool SimpleXML::open(const char* file, const char* root) {
   std::optional<DocumentText> document;
-  if (file != nullptr && root != nullptr) document = readDocumentText(file, root);
+  if (file != nullptr && root != nullptr) {
+    document = withoutThrowing(std::optional<DocumentText>(),
+                               [&] { return readDocumentText(file, root); });
+  }
   if (!document) {
     logMessage(kLogDebug, kSource, kLineOpenFailed, "Failed to open file ", file);
     return false;

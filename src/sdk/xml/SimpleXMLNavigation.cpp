@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <string_view>
 
 #include "sdk/text/NumberText.h"
@@ -43,9 +44,10 @@ int findTag(std::string_view text, std::string_view name, int from, int limit, b
   return kNotFound;
 }
 
+// Null without memory for it.
 char* newText(std::string_view text) {
-  char* copy = new char[text.size() + 1];
-  *std::copy(text.begin(), text.end(), copy) = '\0';
+  char* copy = new (std::nothrow) char[text.size() + 1];
+  if (copy != nullptr) *std::copy(text.begin(), text.end(), copy) = '\0';
   return copy;
 }
 
@@ -142,10 +144,12 @@ int SimpleXML::getNodeCount(const char* name) const {
 bool SimpleXML::getNode(char** out) const {
   const int begin = nodeBegin[depth];
   const int count = nodeEnd[depth] - std::max(begin, 0);
-  if (begin < 0 || count < 1) return false;
+  if (out == nullptr || begin < 0 || count < 1) return false;
   const std::string_view text = SimpleXMLInternals::textOf(*this);
   const std::size_t from = std::min(static_cast<std::size_t>(begin), text.size());
-  *out = newText(text.substr(from, static_cast<std::size_t>(count)));
+  char* copy = newText(text.substr(from, static_cast<std::size_t>(count)));
+  if (copy == nullptr) return false;
+  *out = copy;
   return true;
 }
 
@@ -160,6 +164,7 @@ bool readChild(SimpleXML& document, const char* name, const Read& read) {
 
 template <typename Number>
 bool readNumberChild(SimpleXML& document, const char* name, Number* out) {
+  if (out == nullptr) return false;
   return readChild(document, name, [out](std::string_view text) { readNumber(text, out); });
 }
 
@@ -172,8 +177,10 @@ bool SimpleXML::getLong(const char* name, long* out) { return readNumberChild(*t
 bool SimpleXML::getFloat(const char* name, float* out) { return readNumberChild(*this, name, out); }
 
 bool SimpleXML::getString(const char* name, char** out) {
+  if (out == nullptr) return false;
   *out = nullptr;
-  return readChild(*this, name, [out](std::string_view text) { *out = newText(text); });
+  return readChild(*this, name, [out](std::string_view text) { *out = newText(text); }) &&
+         *out != nullptr;
 }
 
 }  // namespace ardo

@@ -1,0 +1,245 @@
+// What holds for every public call: what it refuses, and that it stays whole without memory.
+#include <new>
+#include <set>
+
+#include "support/Transcript.h"
+#include "support/UsbTree.h"
+
+#if defined(__SANITIZE_ADDRESS__)
+#define OWN_NEW
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define OWN_NEW
+#endif
+#endif
+
+namespace {
+
+int untilFailure = -1;  // allocations that succeed first; below 0, all do
+bool failsOnce = true;
+
+bool failsNow() {
+  if (untilFailure < 0) return false;
+  if (untilFailure > 0) return --untilFailure, false;
+  if (failsOnce) untilFailure = -1;
+  errno = ENOMEM;
+  return true;
+}
+
+}  // namespace
+
+// What the C library takes for itself fails as well, but under the sanitizer, which needs its own.
+#ifdef OWN_NEW
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return failsNow() ? nullptr : std::malloc(size);
+}
+void* operator new(std::size_t size) {
+  void* const block = operator new(size, std::nothrow);
+  return block != nullptr ? block : throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
+  return operator new(size, tag);
+}
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t /*size*/) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t /*size*/) noexcept { std::free(block); }
+#else
+extern "C" void* __libc_malloc(std::size_t size);
+extern "C" void* malloc(std::size_t size) { return failsNow() ? nullptr : __libc_malloc(size); }
+#endif
+
+namespace {
+
+using ardo::IRCalibrationManager;
+// A camera, its calibration of two optics, a configuration, and a downloader that copies.
+class Interface : public testing::Test {
+ protected:
+  Interface() {
+    if (usb::makeTree()) usb::attach("1-1", usb::camera("7"));
+    fs::current_path(folder_.path());
+    fs::create_directory("from");
+    fs::create_directory("to");
+    const std::string optics = "<OpticsDef><Text>" + long_ + "</Text>" + kFiles + "</OpticsDef>";
+    for (const char* name : {"Cali-7.xml", "from/Cali-8.xml"}) {
+      writeFile(name, "<CaliData>\n<Temperature><Optics>" + optics + optics +
+                          "</Optics></Temperature>\n</CaliData>");
+    }
+    writeFile("from/Cali-8-0-" + long_ + "-0-77-27.dat", "");
+    writeFile("x.xml", "<imager>\n<optics_text>" + long_ + "</optics_text><calipath>" + long_ +
+                           "</calipath><formatspath>" + long_ + "</formatspath>\n</imager>");
+    writeFile("broken.xml", "<imager>\n" + std::string(300, 'w') + "<!-- a\n</imager>");
+    writeFile("links", "<DownloadLinks>\n<Imager><CaliData><Links><string>" + long_ +
+                           "</string></Links></CaliData></Imager>\n</DownloadLinks>");
+    fs::permissions(writeFile("wget",
+                              "#!/bin/sh\n[ \"$3\" = /tmp/downloadlinks.xml ] && exec cp links $3\n"
+                              "cp Cali-7.xml \"$3\" 2> wget.log"),
+                    fs::perms::all);
+    setenv("PATH", (folder_.path() + ":" + getenv("PATH")).c_str(), 1);
+  }
+  ~Interface() override { delete IRCalibrationManager::_this; }
+
+  // The manager as it is at the start, with nothing loaded.
+  static IRCalibrationManager& fresh(const char* directory = ".") {
+    ConfigCali::getInstance()->loaded = false;
+    IRCalibrationManager::getInstance()->setCalibrationDir(directory);
+    return *IRCalibrationManager::getInstance();
+  }
+
+  static constexpr const char* kFiles =
+      "<SamplePointCali>true</SamplePointCali><TempRanges><TemperatureRange><TempHi>77</TempHi>"
+      "<Framerates><Framerate><FR>27</FR></Framerate></Framerates></TemperatureRange></TempRanges>";
+  const std::string long_ = std::string(40, 'l');  // longer than a string holds without the heap
+  char x_[2] = "x";
+  TemporaryFolder folder_;
+};
+
+long taken(char* text) {
+  const std::unique_ptr<char[]> owned(text);
+  return text != nullptr ? static_cast<long>(std::strlen(text)) : -1;
+}
+
+long taken(bool (ardo::SimpleXML::*get)(char**) const, const ardo::SimpleXML& xml) {
+  char* text = nullptr;
+  return (xml.*get)(&text) ? taken(text) : -1;
+}
+
+// One block fails, or all from one on, for each block that a call asks for: the call gives its
+// result or a failure, and the same as ever afterwards.
+TEST_F(Interface, CallsWithoutMemory) {
+  using brivex::Logger;
+  ardo::SimpleXML xml;
+  OPTICS key{0, nullptr};
+  const std::vector<std::tuple<const char*, std::set<long>, std::function<long()>>> rows = {
+      {"Logger",
+       {0},
+       [&] {
+         Logger::releaseInstance();
+         Logger* const log = Logger::getInstance();
+         if (log == nullptr) return false;
+         log->configure(long_, brivex::LOGGER_FILE_ON, 3, 3);
+         log->print(0, long_, 1, long_);
+         return log->configured && log->stream.is_open();
+       }},
+      {"setVerbosity",
+       {5},
+       [&] {
+         Logger::getInstance()->conf = 5;
+         ardo::IRLogger::setVerbosity(ardo::IRLOGGER_OFF, ardo::IRLOGGER_DEBUG, long_.c_str());
+         return Logger::getInstance()->conf;
+       }},
+      {"open", {0}, [&] { return xml.open("x.xml", "imager") && xml.setNode(); }},
+      {"open of a broken file", {}, [] { return ardo::SimpleXML().open("broken.xml", "imager"); }},
+      {"open in a directory", {0}, [&] { return xml.open(".", x_, "imager") && xml.setNode(); }},
+      {"getNode", {-1}, [&] { return taken(&ardo::SimpleXML::getNode, xml); }},
+      {"getString",
+       {-1},
+       [&] {
+         char* text = nullptr;
+         xml.getString("calipath", &text);
+         return xml.depth == 0 ? taken(text) : 0;
+       }},
+      {"readXML",
+       {-3},
+       [] {
+         ardo::IRDeviceParams p;
+         const bool done = ardo::IRDeviceParamsReader::readXML("x.xml", p);
+         return done + taken(p.opticsText) + taken(p.caliPath) + taken(p.formatsPath);
+       }},
+      {"IRDeviceParams_Print", {}, [] { return ardo::IRDeviceParams_Print({}), 0; }},
+      {"ConfigCali",
+       {0, 1, 2},
+       [&] {
+         ConfigCali own;
+         const std::unique_ptr<OPTICS> optics(own.getOptics(0));
+         const std::unique_ptr<Range> range(own.getTempRangeOverAll());
+         own.load("from", 8);
+         return (optics ? 1 : 0) + (own.load(".", 7) == 0 && own.getOpticsIndex(&key) < 0 ? 2 : 0);
+       }},
+      {"ConfigCali::getInstance",
+       {0},
+       [] {
+         delete std::exchange(ConfigCali::_this, nullptr);
+         return ConfigCali::getInstance() != nullptr;
+       }},
+      {"IRCalibrationManager",
+       {0, 1, 2},
+       [&] {
+         delete IRCalibrationManager::_this;
+         IRCalibrationManager own;
+         own.setCalibrationDir(".");
+         own.downloadCalibration(0);
+         const bool generated = !own.generateConfiguration(1).empty();
+         return (generated ? 1 : 0) + (own.getAvailableOptics(7) != nullptr ? 2 : 0);
+       }},
+      {"IRCalibrationManager::getInstance",
+       {0},
+       [] {
+         delete IRCalibrationManager::_this;
+         return IRCalibrationManager::getInstance() != nullptr;
+       }},
+      {"getAvailableOptics", {0, 1}, [&] { return fresh().getAvailableOptics(7)->size(); }},
+      {"generateConfiguration",
+       {0, 1},
+       [&] {
+         const std::string text = fresh().generateConfiguration(7);
+         return text.empty() ? 0 : text.find("<max>77<") == std::string::npos ? 1 : 2;
+       }},
+      {"checkCaliFiles",
+       {0, 12},
+       [&] {
+         int size = 5;
+         fresh().checkCaliFiles(".", 7, nullptr, &size, "Cali-%i.xml", "%s", "%s", ";");
+         return size;
+       }},
+      {"checkCalibration",
+       {-1 - ENOMEM, 11},
+       [&] {
+         errno = 0;
+         const long length = taken(fresh().checkCalibration(7));
+         return length - errno;
+       }},
+      {"copyCalibrationFromLocalRepo",
+       {0},
+       [&] { return fresh("to").copyCalibrationFromLocalRepo(8, "from"); }},
+      {"downloadTarget", {0}, [&] { return IRCalibrationManager::downloadTarget(x_, "7", "to"); }},
+      {"downloadCalibration",
+       {0},
+       [&] {
+         unlink("to/Cali-7.xml");
+         return fresh("to").downloadCalibration(7) && access("to/Cali-7.xml", F_OK) == 0;
+       }},
+      {"findSerial",
+       {0},
+       [&] {
+         unsigned long serial = 7;
+         const bool found = fresh().findSerial(serial);
+         return chdir(folder_.path().c_str()) == 0 && found;
+       }},
+      {"isOnlineCalibrationRepoAccessible",
+       {0},
+       [] { return IRCalibrationManager::isOnlineCalibrationRepoAccessible(); }},
+  };
+  std::string wrong;
+  captured(STDOUT_FILENO, [&] {
+    for (const auto& [name, failures, call] : rows) {
+      const long expected = call();
+      const auto failsAt = [&, &name = name, &call = call, &failures = failures](int n, bool once) {
+        std::tie(untilFailure, failsOnce) = std::tie(n, once);
+        const long result = call();
+        const bool failed = std::exchange(untilFailure, -1) < 0;
+        const bool isFine = result == expected || failures.count(result) == 1;
+        const long after = call();
+        if (!isFine || after != expected || failures.count(expected) == 1) {
+          wrong += shown(name, n, once, "gave", result, "then", after, "for", expected) + "\n";
+        }
+        return failed;
+      };
+      for (int block = 0; failsAt(block, true); ++block) failsAt(block, false);
+    }
+  });
+  EXPECT_EQ(wrong, "");
+}
+
+}  // namespace
