@@ -187,8 +187,11 @@ demo() {
 
 # What has a script of its own.
 abi() { "$root/scripts/abi.sh"; }
-# Every public name has its description, and names its parameters as they are.
+# Every public name has its description, which names its parameters as they are. Of constructors and
+# destructors the manual's maker does not ask for one.
 manual() {
+  awk '/^  ~?[A-Z][A-Za-z]*\(/ && !/= delete/ && before !~ /\/\/\// { print FILENAME ":" FNR ": not described"; wrong = 1 }
+    { before = $0 } END { exit wrong }' "$root"/include/kalvista/*.h
   clang -fsyntax-only -x c++ -std=c++17 -Werror -Wdocumentation -Wdocumentation-pedantic -I "$root/include" \
     "$root/include/kalvista/kalvista.h"
   "$root/scripts/docs.sh"
