@@ -70,10 +70,10 @@ is_installed() {
 # shellcheck disable=SC2034
 build_packages=('g++|clang' make cmake)
 # shellcheck disable=SC2034
-tool_packages=(libcli11-dev libcurl4-openssl-dev libexpat1-dev nlohmann-json3-dev wget net-tools)
+tool_packages=(libcli11-dev libcurl4-openssl-dev libexpat1-dev libssl-dev nlohmann-json3-dev wget net-tools)
 # shellcheck disable=SC2034
 test_packages=(g++ clang 'libclang-rt-dev|libclang-rt-14-dev' ninja-build libgtest-dev libgmock-dev binutils util-linux mount iproute2
-  nginx-light python3 python3-jsonschema ansible-core zsh fish groff-base locales systemd udev libxml2-utils)
+  nginx-light openssl ca-certificates python3 python3-jsonschema ansible-core zsh fish groff-base locales systemd udev libxml2-utils)
 # shellcheck disable=SC2034
 check_packages=(clang-format clang-tidy shellcheck valgrind 'pkgconf|pkg-config' python3)
 # shellcheck disable=SC2034

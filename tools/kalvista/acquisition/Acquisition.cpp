@@ -3,135 +3,13 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <map>
-#include <set>
 
-#include "acquisition/ArrivalCheck.h"
-#include "acquisition/FileCopy.h"
+#include "acquisition/Arrivals.h"
 #include "acquisition/Mending.h"
-#include "acquisition/WorkFolder.h"
 #include "answer/Console.h"
 
 namespace tool {
 namespace {
-
-using State = Delivery::State;
-
-// The files of one camera, as a repository delivers them beside what is present.
-class Arrivals {
- public:
-  Arrivals(const CommonOptions& common, unsigned long serial, Repository& repository)
-      : directory_(common.calibrationDir),
-        serial_(serial),
-        repository_(repository),
-        work_(common.calibrationDir) {
-    // Another run may have ended while this one waited for the directory.
-    for (const CalibrationFile& file : inspectCalibration(directory_, serial).files) {
-      if (file.state == FileState::Present) present_[file.name] = file.path;
-    }
-  }
-
-  void bringAll();
-  // A repository need not have what is present already, as long as the XML file is the same.
-  std::vector<const Delivery*> failures() const;
-  std::vector<std::string> fresh() const { return brought(false); }
-  std::vector<std::string> differing() const { return brought(true); }
-  // The XML file goes last.
-  std::vector<std::string> place(std::vector<std::string> names);
-  bool isRecalibrated() const;
-
- private:
-  std::string xmlName() const { return calibrationXmlName(serial_); }
-  void bring(const std::vector<std::string>& names);
-  void judge(Delivery* delivery) const;
-  std::vector<std::string> brought(bool present) const;
-
-  std::string directory_;
-  unsigned long serial_;
-  Repository& repository_;
-  WorkFolder work_;
-  std::map<std::string, std::string> present_;  // paths of the usable files, by name
-  std::vector<Delivery> deliveries_;
-};
-
-// The XML file comes first, since it names the others.
-void Arrivals::bringAll() {
-  bring({xmlName()});
-  const Delivery xml = deliveries_.front();
-  // Without an answer about this one, there is none about others.
-  if (xml.exitCode == ExitCode::CouldNot) return;
-  std::set<std::string> seen = {xmlName()};
-  std::vector<std::string> names;
-  const auto add = [&](const std::vector<std::string>& added) {
-    for (const std::string& name : added) {
-      if (seen.insert(name).second) names.push_back(name);
-    }
-  };
-  add(requiredNames(xml.state == State::Brought ? work_.path() : directory_, serial_));
-  add(repository_.namesOf(serial_));
-  bring(names);
-}
-
-void Arrivals::bring(const std::vector<std::string>& names) {
-  std::vector<WantedFile> wanted;
-  for (const std::string& name : names) {
-    // A file that the calibration does not ask for may be present as well.
-    const std::string path = directory_ + "/" + name;
-    const auto known = present_.find(name);
-    const bool isPresent = known != present_.end() || access(path.c_str(), R_OK) == 0;
-    if (name.find('/') == std::string::npos) wanted.push_back({name, isPresent ? path : ""});
-  }
-  for (Delivery& delivery : repository_.bring(serial_, wanted, work_)) {
-    judge(&delivery);
-    deliveries_.push_back(delivery);
-  }
-}
-
-void Arrivals::judge(Delivery* delivery) const {
-  if (delivery->state != State::Brought) return;
-  const std::string fault = whatIsWrongWith(work_.pathOf(delivery->name), serial_);
-  if (!fault.empty()) {
-    *delivery = {delivery->name, State::Failed, ExitCode::AnswerIsNo,
-                 repository_.shownName() + ": the file that came " + fault,
-                 "get a whole one from elsewhere"};
-  } else if (haveSameContent(work_.pathOf(delivery->name), directory_ + "/" + delivery->name)) {
-    delivery->state = State::Same;
-  }
-}
-
-std::vector<const Delivery*> Arrivals::failures() const {
-  std::vector<const Delivery*> result;
-  const bool isWholeSetNeeded = isRecalibrated();
-  for (const Delivery& delivery : deliveries_) {
-    const bool isNeeded = isWholeSetNeeded || present_.count(delivery.name) == 0;
-    if (delivery.state == State::Failed || (delivery.state == State::Absent && isNeeded)) {
-      result.push_back(&delivery);
-    }
-  }
-  return result;
-}
-
-std::vector<std::string> Arrivals::brought(bool present) const {
-  std::vector<std::string> names;
-  for (const Delivery& delivery : deliveries_) {
-    const bool isPresent = present_.count(delivery.name) != 0;
-    if (delivery.state == State::Brought && isPresent == present) names.push_back(delivery.name);
-  }
-  return names;
-}
-
-bool Arrivals::isRecalibrated() const {
-  const std::vector<std::string> names = differing();
-  return std::find(names.begin(), names.end(), xmlName()) != names.end();
-}
-
-std::vector<std::string> Arrivals::place(std::vector<std::string> names) {
-  std::stable_partition(names.begin(), names.end(),
-                        [this](const std::string& name) { return name != xmlName(); });
-  if (!names.empty()) work_.place(names);
-  return names;
-}
 
 std::string subjectText(std::size_t count, unsigned long serial) {
   return countText(count, "file") + " of camera " + std::to_string(serial);
@@ -176,6 +54,11 @@ void takeOver(Arrivals& arrivals, Differing differing, unsigned long serial,
     names.insert(names.end(), others.begin(), others.end());
     result->installed = arrivals.place(names);
     result->replaced = others.size();
+    if (arrivals.removeFormerSeal()) {
+      warn("the seal of camera " + std::to_string(serial) +
+           " was of its former files and is gone; " + repository.shownName() +
+           " has none, make one with \"kalvista seal " + std::to_string(serial) + "\"");
+    }
   }
   if (wasComplete && differing == Differing::Keep) {
     if (!failures.empty()) {
@@ -193,17 +76,21 @@ void takeOver(Arrivals& arrivals, Differing differing, unsigned long serial,
 
 Acquisition acquire(const CommonOptions& common, unsigned long serial, Repository& repository,
                     Differing differing) {
+  const std::string& directory = common.calibrationDir;
   Acquisition result;
-  result.mended = letAllReadCalibration(common.calibrationDir, serial);
-  result.status = inspectCalibration(common.calibrationDir, serial);
-  const bool mayWrite = access(common.calibrationDir.c_str(), W_OK | R_OK) == 0;
-  if (result.status.complete() && differing == Differing::Keep && !mayWrite) return result;
+  result.mended = letAllReadCalibration(directory, serial);
+  const bool mayWrite = access(directory.c_str(), W_OK | R_OK) == 0;
+  if (!mayWrite && differing == Differing::Keep) {
+    result.status = inspectCalibration(directory, serial);
+    if (result.status.complete()) return result;
+  }
   try {
-    Arrivals arrivals(common, serial, repository);
-    result.status = inspectCalibration(common.calibrationDir, serial);
+    Arrivals arrivals(directory, serial, repository);
+    result.status = arrivals.statusBefore();
     arrivals.bringAll();
     takeOver(arrivals, differing, serial, repository, &result);
   } catch (const Failure& failure) {
+    if (result.status.files.empty()) result.status = lookAtCalibration(directory, serial);
     if (result.status.complete() && differing == Differing::Keep) {
       note(std::string("the calibration is complete, and could not be compared: ") +
            failure.what());
@@ -212,7 +99,7 @@ Acquisition acquire(const CommonOptions& common, unsigned long serial, Repositor
       result.problem = failure.what();
     }
   }
-  result.status = inspectCalibration(common.calibrationDir, serial);
+  result.status = inspectCalibration(directory, serial);
   return result;
 }
 

@@ -13,6 +13,7 @@
 #include "answer/Console.h"
 #include "answer/Output.h"
 #include "camera/Calibration.h"
+#include "camera/Seal.h"
 #include "machine/Interruption.h"
 
 namespace tool {
@@ -26,8 +27,8 @@ bool beginsWith(const std::string& name, const std::string& beginning) {
 
 bool belongsToCamera(const std::string& name, unsigned long serial) {
   const std::string number = std::to_string(serial);
-  return name == calibrationXmlName(serial) || beginsWith(name, "Cali-" + number + "-") ||
-         beginsWith(name, "Kennlinie-" + number + "-");
+  return name == calibrationXmlName(serial) || name == sealName(serial) ||
+         beginsWith(name, "Cali-" + number + "-") || beginsWith(name, "Kennlinie-" + number + "-");
 }
 
 // Some space is kept for root.

@@ -37,7 +37,7 @@ std::vector<std::string> letAllReadCalibration(const std::string& directory, uns
   std::set<std::string> seen;
   // Once the XML file can be read, it names the others.
   for (int pass = 0; pass < 2; ++pass) {
-    for (const CalibrationFile& file : inspectCalibration(directory, serial).files) {
+    for (const CalibrationFile& file : lookAtCalibration(directory, serial).files) {
       if (seen.insert(file.name).second && letAllReadOwn(file.path)) mended.push_back(file.name);
     }
   }

@@ -7,6 +7,7 @@
 #include "acquisition/LinksDocument.h"
 #include "answer/Console.h"
 #include "answer/Output.h"
+#include "camera/Seal.h"
 
 namespace tool {
 namespace {
@@ -34,7 +35,14 @@ bool isTheSame(const FetchResult& told, const std::string& present) {
          told.modified > 0 && told.modified == status.st_mtime;
 }
 
-void judge(const FetchResult& result, const std::string& address, Delivery* delivery) {
+// A server that forbids what it does not have is believed about seals, which need not be there.
+bool isAbsentHere(const FetchResult& result, unsigned long serial, const std::string& name) {
+  return result.fault == FetchFault::Absent ||
+         (result.fault == FetchFault::Refused && name == sealName(serial));
+}
+
+void judge(const FetchResult& result, const std::string& address, unsigned long serial,
+           Delivery* delivery) {
   if (result.fault == FetchFault::None) {
     delivery->state = Delivery::State::Brought;
     return;
@@ -44,7 +52,7 @@ void judge(const FetchResult& result, const std::string& address, Delivery* deli
                                           shownAddress(address) + " alone needs " +
                                           bytesText(result.size) + ", make room and try again");
   }
-  const bool isAbsent = result.fault == FetchFault::Absent;
+  const bool isAbsent = isAbsentHere(result, serial, delivery->name);
   delivery->state = isAbsent ? Delivery::State::Absent : Delivery::State::Failed;
   delivery->exitCode = isAbsent ? ExitCode::AnswerIsNo : ExitCode::CouldNot;
   delivery->problem = shownAddress(address) + ": " + result.cause;
@@ -68,7 +76,7 @@ void settleTheSame(Fetcher& fetcher, const std::string& base, unsigned long seri
     if (isTheSame(told[i], asked[i].wanted->present)) {
       asked[i].delivery->state = Delivery::State::Same;
     } else if (told[i].fault != FetchFault::None && told[i].fault != FetchFault::Refused) {
-      judge(told[i], requests[i].address, asked[i].delivery);
+      judge(told[i], requests[i].address, serial, asked[i].delivery);
     } else {
       rest.push_back(asked[i]);
     }
@@ -84,7 +92,7 @@ void fetchAll(Fetcher& fetcher, const std::string& base, unsigned long serial,
   }
   const std::vector<FetchResult> results = fetcher.fetch(requests);
   for (std::size_t i = 0; i < open.size(); ++i) {
-    judge(results[i], requests[i].address, open[i].delivery);
+    judge(results[i], requests[i].address, serial, open[i].delivery);
   }
 }
 
@@ -118,7 +126,7 @@ std::vector<Delivery> WebRepository::bring(unsigned long serial,
     }
     if (!isWebAddress(base)) {
       const FetchResult refused{FetchFault::Refused, "it is no http or https address", 0, 0, ""};
-      for (const Open& one : open) judge(refused, base, one.delivery);
+      for (const Open& one : open) judge(refused, base, serial, one.delivery);
       continue;
     }
     settleTheSame(fetcher_, base, serial, &open);

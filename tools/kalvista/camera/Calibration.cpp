@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "answer/Console.h"
+#include "camera/Seal.h"
 
 namespace tool {
 namespace {
@@ -77,6 +78,20 @@ std::vector<std::string> requiredDataFiles(const ConfigCali& calibration) {
   return names;
 }
 
+void holdAgainst(const Seal& seal, const std::string& directory, unsigned long serial,
+                 CalibrationStatus* status) {
+  bool covered = true;
+  for (CalibrationFile& file : status->files) {
+    covered = covered && (seal.covers(file.name) || file.state != FileState::Present);
+    if (file.state == FileState::Present && !seal.holds(directory, file.name)) {
+      file.state = FileState::Damaged;
+    }
+  }
+  if (seal.isWhole() && covered) return;
+  status->files.push_back(lookAt(directory, sealName(serial)));
+  status->files.back().state = FileState::Damaged;
+}
+
 std::vector<CalibrationFile> filesInState(const CalibrationStatus& status, FileState state) {
   std::vector<CalibrationFile> result;
   std::copy_if(status.files.begin(), status.files.end(), std::back_inserter(result),
@@ -119,6 +134,8 @@ std::string stateText(FileState state) {
       return "missing";
     case FileState::Empty:
       return "empty";
+    case FileState::Damaged:
+      return "damaged";
     case FileState::Unreadable:
       break;
   }
@@ -146,7 +163,7 @@ std::unique_ptr<ConfigCali> loadCalibration(const std::string& directory, unsign
   return calibration;
 }
 
-CalibrationStatus inspectCalibration(const std::string& directory, unsigned long serial) {
+CalibrationStatus lookAtCalibration(const std::string& directory, unsigned long serial) {
   CalibrationStatus status;
   status.files.push_back(lookAt(directory, calibrationXmlName(serial)));
   CalibrationFile& xml = status.files.front();
@@ -159,6 +176,13 @@ CalibrationStatus inspectCalibration(const std::string& directory, unsigned long
   for (const std::string& name : requiredDataFiles(*calibration)) {
     status.files.push_back(lookAt(directory, name));
   }
+  return status;
+}
+
+CalibrationStatus inspectCalibration(const std::string& directory, unsigned long serial) {
+  CalibrationStatus status = lookAtCalibration(directory, serial);
+  const Seal seal = Seal::read(directory, serial);
+  if (seal.exists()) holdAgainst(seal, directory, serial, &status);
   return status;
 }
 
@@ -187,7 +211,7 @@ std::string lackText(const CalibrationStatus& status, const std::string& directo
                                       " is " + stateText(lacking.front().state)
                                 : countText(lacking.size(), "file") + " of the " +
                                       std::to_string(status.files.size()) + " of camera " + number +
-                                      " are missing, empty or unreadable";
+                                      " are missing, empty, unreadable or damaged";
   return which + " in " + directory + "; get what is missing with \"kalvista copy " + number +
          " REPOSITORY\" or \"kalvista download " + number + "\"";
 }
@@ -198,7 +222,8 @@ Answer answerOf(const CalibrationStatus& status, const std::string& directory,
   answer.document["serial"] = serial;
   answer.document["calibrationDir"] = directory;
   answer.document["complete"] = status.complete();
-  for (const FileState state : {FileState::Missing, FileState::Empty, FileState::Unreadable}) {
+  for (const FileState state :
+       {FileState::Missing, FileState::Empty, FileState::Unreadable, FileState::Damaged}) {
     answer.document[stateText(state)] = namesOf(filesInState(status, state));
   }
   for (const CalibrationFile& file : status.lacking()) {

@@ -13,8 +13,9 @@
 
 namespace tool {
 
-// Unreadable is also an XML file that holds no calibration.
-enum class FileState { Present, Missing, Empty, Unreadable };
+// Unreadable is also an XML file that holds no calibration; damaged is a file with another content
+// than it was sealed with, and a seal that is none.
+enum class FileState { Present, Missing, Empty, Unreadable, Damaged };
 std::string stateText(FileState state);
 
 struct CalibrationFile {
@@ -25,7 +26,8 @@ struct CalibrationFile {
 };
 
 struct CalibrationStatus {
-  std::vector<CalibrationFile> files;  // all that the calibration needs, as far as it is known
+  std::vector<CalibrationFile> files;  // all that the calibration needs, as far as it is known;
+                                       // and the seal, where that is damaged
   std::vector<CalibrationFile> lacking() const;  // those of them that are not present
   bool complete() const { return lacking().empty(); }
 };
@@ -37,6 +39,9 @@ std::string calibrationXmlPath(const std::string& directory, unsigned long seria
 // loaded, even when the file was replaced. Null when the file cannot be loaded.
 std::unique_ptr<ConfigCali> loadCalibration(const std::string& directory, unsigned long serial);
 
+// The files by themselves, whatever a seal says of them.
+CalibrationStatus lookAtCalibration(const std::string& directory, unsigned long serial);
+// Held against its seal, where there is one; reads all of it then.
 CalibrationStatus inspectCalibration(const std::string& directory, unsigned long serial);
 
 // The names of all files that the calibration in this directory asks for, the XML file first;

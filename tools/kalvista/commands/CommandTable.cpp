@@ -3,9 +3,9 @@
 namespace tool {
 
 std::vector<Command> allCommands() {
-  return {setupCommand(), doctorCommand(),  camerasCommand(),  serialCommand(), opticsCommand(),
-          checkCommand(), copyCommand(),    downloadCommand(), configCommand(), paramsCommand(),
-          lintCommand(),  versionCommand(), generateCommand()};
+  return {setupCommand(),  doctorCommand(), camerasCommand(),  serialCommand(),  opticsCommand(),
+          checkCommand(),  copyCommand(),   downloadCommand(), sealCommand(),    configCommand(),
+          paramsCommand(), lintCommand(),   versionCommand(),  generateCommand()};
 }
 
 }  // namespace tool

@@ -22,6 +22,7 @@ Command opticsCommand();
 Command checkCommand();
 Command copyCommand();
 Command downloadCommand();
+Command sealCommand();
 Command configCommand();
 Command paramsCommand();
 Command lintCommand();

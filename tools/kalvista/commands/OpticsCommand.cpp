@@ -23,6 +23,7 @@ std::unique_ptr<ConfigCali> load(const CommonOptions& common, unsigned long seri
                         " cannot be read as a calibration; check its permissions, or replace it");
     case FileState::Missing:
     case FileState::Empty:
+    case FileState::Damaged:
       break;
   }
   throw Failure(ExitCode::AnswerIsNo, lackText(status, common.calibrationDir, serial));

@@ -47,7 +47,7 @@ FetchLimits limitsFor(const WebOptions& web, const CommonOptions& common, unsign
   FetchLimits limits;
   limits.timeoutSeconds = web.timeoutSeconds;
   limits.maxBytes = web.maxMegabytes * kMegabyte;
-  if (update || !inspectCalibration(common.calibrationDir, serial).complete()) return limits;
+  if (update || !lookAtCalibration(common.calibrationDir, serial).complete()) return limits;
   limits.timeoutSeconds = std::min(limits.timeoutSeconds, kTimeoutOfComparison);
   limits.tries = 1;
   return limits;

@@ -1,6 +1,7 @@
 """Files arrive whole or not at all, from servers, folders and neighbours of every kind."""
 import contextlib
 import email.utils
+import hashlib
 import http.server
 import os
 import pathlib
@@ -98,6 +99,14 @@ def drip(handler):
 
 
 BODY = SAMPLE[ONE]
+SEAL = f"Cali-{SERIAL}.sha256"
+
+
+def seal(files):
+    return "".join(f"{hashlib.sha256(body).hexdigest()}  {name}\n"
+                   for name, body in sorted(files.items())).encode()
+
+
 HALF = BODY[:len(BODY) // 2]
 # What a server answers for one file, the exit status, and a part of the sentence. Nothing of that
 # name may arrive.
@@ -132,6 +141,7 @@ class Acquisition(unittest.TestCase):
         self.addCleanup(self.folder.cleanup)
         os.chmod(self.folder.name, 0o755)
         os.chdir(self.folder.name)
+        shutil.copytree(REPOSITORY, "repository")
         self.new()
 
     def new(self, mode=0o777):
@@ -203,7 +213,7 @@ class Acquisition(unittest.TestCase):
                 self.download(first)
                 del first.requests[:]
                 self.assertIn("nothing had to be changed", self.download(first)[1])
-                self.assertNotIn("GET", {method for method, _ in first.requests})
+                self.assertEqual([name for method, name in first.requests if method == "GET"], [SEAL])
             with Server(other, tags=tags) as second:
                 # Without a tag, size and time tell nothing of a file whose bytes changed.
                 code, _, err = self.download(second)
@@ -217,6 +227,37 @@ class Acquisition(unittest.TestCase):
             pathlib.Path("other", name).write_bytes(body)
         self.assertIn("1 file replaced", self.run_tool("copy", SERIAL, "other")[1])
         self.assertEqual(self.held(), SAMPLE)
+
+    def test_seals(self):
+        sealed = {**SAMPLE, SEAL: seal(SAMPLE)}
+        other = {**SAMPLE, ONE: BODY[::-1]}
+        other_sealed = {**other, SEAL: seal(other)}
+        forbidden = answer(b"", "Content-Length: 0", status="403 No")
+        # What lies there, what a server has, how it answers for the seal, whether it may replace;
+        # then the exit status and what lies there.
+        for kind, before, files, odd, update, status, after in (
+                ("comes along", {}, sealed, None, False, 0, sealed),
+                ("comes later", SAMPLE, sealed, None, False, 0, sealed),
+                ("forbidden", {}, SAMPLE, forbidden, False, 0, SAMPLE),
+                ("a page", {}, SAMPLE, sized(b"<html>no</html>"), False, 0, SAMPLE),
+                ("cut short", {}, SAMPLE, sized(sealed[SEAL][:-9]), False, 1, SAMPLE),
+                ("of other files", {}, SAMPLE, sized(other_sealed[SEAL]), False, 1,
+                 {name: body for name, body in other_sealed.items() if name != ONE}),
+                ("of other files, beside these", SAMPLE, SAMPLE, sized(other_sealed[SEAL]), False,
+                 0, SAMPLE),
+                ("there, and a file damaged", {**sealed, ONE: BODY[::-1]}, SAMPLE, None, False, 0,
+                 sealed),
+                ("there, and a file that does not fit", {k: v for k, v in sealed.items() if k != ONE},
+                 other, None, False, 1, {k: v for k, v in sealed.items() if k != ONE}),
+                ("renewed", sealed, other_sealed, None, True, 0, other_sealed),
+                ("gone", sealed, other, None, True, 0, other)):
+            with self.subTest(kind), Server(files, {SEAL: odd} if odd else {}, tags=True) as server:
+                self.new()
+                for name, body in before.items():
+                    pathlib.Path("cali", name).write_bytes(body)
+                code, _, err = self.download(server, *(["--update"] if update else []))
+                self.assertEqual(code, status, err)
+                self.assertEqual(self.held(), after)
 
     def test_signals(self):
         stuck = {f"Kennlinie-{SERIAL}-33-0-250-27.prn": lambda handler: time.sleep(NEVER)}
@@ -235,7 +276,7 @@ class Acquisition(unittest.TestCase):
         for name in (".kalvista-work-abcdef", ".kalvista-notes-99999999"):
             os.makedirs(f"cali/{name}/kept")
         os.mkdir("cali/.kalvista-work-ghijkl")
-        self.assertEqual(self.run_tool("copy", SERIAL, str(REPOSITORY))[0], 0)
+        self.assertEqual(self.run_tool("copy", SERIAL, "repository")[0], 0)
         self.assertEqual(sorted(set(os.listdir("cali")) - set(SAMPLE)),
                          [".kalvista-notes-99999999", ".kalvista-work-abcdef",
                           ".kalvista-work-ghijkl"])
@@ -284,10 +325,10 @@ class Acquisition(unittest.TestCase):
     def test_unreadable_files_are_mended_by_their_owner(self):
         def as_user(*arguments):
             return self.run_tool(*arguments, before=SETPRIV, preexec_fn=lambda: os.umask(0o077))
-        self.assertEqual(as_user("copy", SERIAL, str(REPOSITORY))[0], 0)
+        self.assertEqual(as_user("copy", SERIAL, "repository")[0], 0)
         modes = {path.stat().st_mode & 0o777 for path in pathlib.Path("cali").iterdir()}
         self.assertEqual(modes, {0o600})
-        code, out, err = self.run_tool("setup", SERIAL, "--from", str(REPOSITORY), before=SETPRIV)
+        code, out, err = self.run_tool("setup", SERIAL, "--from", "repository", before=SETPRIV)
         self.assertEqual((code, "34 files made readable" in out), (0, True), err)
 
     def test_full_disk(self):
@@ -295,7 +336,7 @@ class Acquisition(unittest.TestCase):
                 ["mount", "-t", "tmpfs", "-o", "size=64k", "tmpfs", "cali"], check=False).returncode:
             self.skipTest("a small disk needs root")
         self.addCleanup(subprocess.run, ["umount", "cali"], check=True)
-        for from_where in (["copy", SERIAL, str(REPOSITORY)],
+        for from_where in (["copy", SERIAL, "repository"],
                            ["download", SERIAL, "--mirror", Server(SAMPLE).address]):
             code, _, err = self.run_tool(*from_where)
             self.assertEqual(code, 3, err)

@@ -1,0 +1,100 @@
+#include "camera/Seal.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <fstream>
+
+#include "answer/Failure.h"
+#include "machine/Checksum.h"
+#include "machine/Files.h"
+
+namespace tool {
+namespace {
+
+constexpr std::string_view kHexadecimalDigits = "0123456789abcdef";
+// A backslash ahead of a line says that its name is written with escapes.
+constexpr char kEscape = '\\';
+
+std::string lineOf(const std::string& name, const std::string& digest) {
+  std::string escaped;
+  for (const char character : name) {
+    if (character == kEscape) escaped += kEscape;
+    escaped += character == '\n' ? "\\n" : std::string(1, character);
+  }
+  return (escaped == name ? "" : std::string(1, kEscape)) + digest + "  " + escaped + "\n";
+}
+
+std::string withoutEscapes(const std::string& escaped) {
+  std::string name;
+  for (std::size_t i = 0; i < escaped.size(); ++i) {
+    if (escaped[i] != kEscape || i + 1 == escaped.size()) {
+      name += escaped[i];
+    } else {
+      ++i;
+      name += escaped[i] == 'n' ? '\n' : escaped[i];
+    }
+  }
+  return name;
+}
+
+}  // namespace
+
+std::string sealName(unsigned long serial) { return "Cali-" + std::to_string(serial) + ".sha256"; }
+
+Seal Seal::of(const std::string& directory, const std::vector<std::string>& names) {
+  Seal seal;
+  seal.exists_ = seal.isWhole_ = true;
+  for (const std::string& name : names) {
+    const std::string digest = sha256Of(directory + "/" + name);
+    if (digest.empty()) {
+      throw Failure(ExitCode::CouldNot, "the file " + directory + "/" + name +
+                                            " cannot be read; check its permissions");
+    }
+    seal.digests_[name] = digest;
+  }
+  return seal;
+}
+
+Seal Seal::read(const std::string& directory, unsigned long serial) {
+  Seal seal;
+  const std::string path = directory + "/" + sealName(serial);
+  seal.exists_ = seal.isWhole_ = access(path.c_str(), F_OK) == 0;
+  // A device or a pipe is no seal, and could be read without end.
+  std::ifstream stream(sha256Of(path).empty() ? "" : path);
+  for (std::string line; seal.isWhole_ && std::getline(stream, line);) {
+    seal.readLine(stream.eof() ? "" : line);  // the last one was cut short
+  }
+  seal.isWhole_ = seal.isWhole_ && !seal.digests_.empty();
+  return seal;
+}
+
+// "<digest>  <name>", with "*" in place of the second blank for the same.
+void Seal::readLine(const std::string& line) {
+  const bool isEscaped = line.rfind(kEscape, 0) == 0;
+  const std::string digest = line.substr(isEscaped ? 1 : 0, kDigestLength);
+  const std::size_t nameBegin = (isEscaped ? 1 : 0) + kDigestLength + 2;
+  const bool fits = line.size() > nameBegin &&
+                    digest.find_first_not_of(kHexadecimalDigits) == std::string::npos &&
+                    line[nameBegin - 2] == ' ' &&
+                    (line[nameBegin - 1] == ' ' || line[nameBegin - 1] == '*');
+  if (!fits) {
+    isWhole_ = false;
+    return;
+  }
+  const std::string name = line.substr(nameBegin);
+  digests_[isEscaped ? withoutEscapes(name) : name] = digest;
+}
+
+bool Seal::holds(const std::string& directory, const std::string& name) const {
+  const auto digest = digests_.find(name);
+  return digest == digests_.end() || sha256Of(directory + "/" + name) == digest->second;
+}
+
+std::string Seal::text() const {
+  std::string text;
+  for (const auto& [name, digest] : digests_) text += lineOf(name, digest);
+  return text;
+}
+
+}  // namespace tool
