@@ -1,6 +1,7 @@
 // Writes the sample and a hundred generated calibration files into a folder, each under its serial,
 // and prints what the queries answer about every one: a line of JSON for each file.
 #include <kalvista/Cali.h>
+#include <kalvista/IRCalibrationManager.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -56,8 +57,25 @@ void print(const std::string& folder, int serial) {
       printRange(calibration, *key, j);
     std::printf("]]");
   }
-  std::printf("]]\n");
+  ardo::IRCalibrationManager& manager = *ardo::IRCalibrationManager::getInstance();
+  manager.setCalibrationDir(folder.c_str());
+  const std::unique_ptr<char[]> missing(
+      manager.checkCalibration(static_cast<unsigned long>(serial)));
+  std::printf("], \"%s\"]\n", missing ? missing.get() : "");
 }
+
+// Optics and ranges alike: queries and file names see the first one of each.
+constexpr const char* kTwins =
+    "<CaliData>\n<Temperature><Optics>\n"
+    "<OpticsDef><FOV>33</FOV><TempRanges>\n"
+    "<TemperatureRange><TempLo>0</TempLo><TempHi>100</TempHi><Framerates>\n"
+    "<Framerate><FR>27</FR></Framerate></Framerates></TemperatureRange>\n"
+    "<TemperatureRange><TempLo>0</TempLo><TempHi>100</TempHi></TemperatureRange>\n"
+    "</TempRanges></OpticsDef>\n"
+    "<OpticsDef><FOV>33</FOV><SamplePointCali>true</SamplePointCali><TempRanges>\n"
+    "<TemperatureRange><TempLo>5</TempLo><TempHi>9</TempHi></TemperatureRange>\n"
+    "</TempRanges></OpticsDef>\n"
+    "</Optics></Temperature>\n</CaliData>\n";
 
 }  // namespace
 
@@ -68,9 +86,9 @@ int main(int count, char** arguments) {
   std::filesystem::copy_file(std::string(arguments[2]) + "/Cali-12345678.xml",
                              folder + "/Cali-12345678.xml");
   print(folder, kSample);
-  for (int i = 0; i < 100; ++i) {
-    bench::writeCalibration(folder, i,
-                            bench::calibrationText(static_cast<bench::Kind>(i % 4), 1 + i / 4));
+  for (int i = 0; i <= 100; ++i) {
+    const auto kind = static_cast<bench::Kind>(i % 4);
+    bench::writeCalibration(folder, i, i < 100 ? bench::calibrationText(kind, 1 + i / 4) : kTwins);
     print(folder, i);
   }
 }

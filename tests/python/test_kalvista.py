@@ -1,5 +1,6 @@
 """The package on the sample, and against what the library's queries answer."""
 import copy
+import dataclasses
 import doctest
 import gc
 import json
@@ -21,16 +22,17 @@ SERIAL = 12345678
 
 
 def values(calibration):
-    """As the dump of the library's queries has them: of optics alike, the first one."""
+    """As the library's queries answer: of optics alike and of ranges alike, by the first one."""
     unlisted = -100.0
     seen, optics = set(), []
     for one in calibration.optics:
         if (one.fov, one.text) in seen:
             continue
         seen.add((one.fov, one.text))
+        rates = {(r.low, r.high): list(r.frame_rates) for r in reversed(one.ranges)}
         ranges = [[r.low, r.high, unlisted if r.low_extended is None else r.low_extended,
                    unlisted if r.high_extended is None else r.high_extended, r.decimals,
-                   list(r.frame_rates), list(r.table.values())] for r in one.ranges]
+                   rates[r.low, r.high], list(r.table.values())] for r in one.ranges]
         optics.append([one.fov, one.text, one.serial_number, one.sample_point, ranges])
     return [calibration.serial, list(calibration.main.values()), optics]
 
@@ -45,9 +47,11 @@ def models(tmp_path_factory):
 
 def test_every_value_is_the_librarys(models):
     folder, expected = models
-    assert len(expected) == 101
-    for serial, model in expected.items():
-        assert values(kalvista.Calibration.load(folder, serial)) == model
+    assert len(expected) == 102
+    for serial, (*model, missing) in expected.items():
+        calibration = kalvista.Calibration.load(folder, serial)
+        assert values(calibration) == model
+        assert calibration.file_names()[1:] == kalvista.missing_files(folder, serial) == missing.split(";")[:-1]
 
 
 def test_threads_get_their_own_calibrations(models):
@@ -57,7 +61,7 @@ def test_threads_get_their_own_calibrations(models):
     def load(first):
         for i in range(1000):
             serial = (first + i) % 8
-            if values(kalvista.Calibration.load(folder, serial)) != expected[serial]:
+            if values(kalvista.Calibration.load(folder, serial)) != expected[serial][:-1]:
                 wrong.append(serial)
 
     threads = [threading.Thread(target=load, args=(first,)) for first in range(8)]
@@ -121,12 +125,24 @@ def test_records_are_values():
     calibration = kalvista.Calibration.load(SAMPLE, SERIAL)
     document = kalvista.Document(SOURCE / "examples/imager.xml", "imager")
     for one in (calibration, calibration.main, calibration.optics[0], kalvista.Configuration.read(document.path), document):
-        for other in (pickle.loads(pickle.dumps(one)), copy.copy(one), copy.deepcopy(one)):
+        pickled = [pickle.loads(pickle.dumps(one, protocol)) for protocol in range(pickle.HIGHEST_PROTOCOL + 1)]
+        for other in (*pickled, copy.copy(one), copy.deepcopy(one)):
             assert other == one and hash(other) == hash(one)
     with pytest.raises(AttributeError):
         calibration.serial = 1
     assert set(calibration.file_names()) == set(os.listdir(SAMPLE))
     assert calibration._repr_html_().count("<tr>") == 1 + sum(len(one.ranges) for one in calibration.optics)
+
+
+def test_pictures_of_any_text(monkeypatch):
+    calibration = kalvista.Calibration.load(SAMPLE, SERIAL)
+    hostile = dataclasses.replace(calibration, optics=(dataclasses.replace(calibration.optics[0], text="$\\a<b>\udcff"),))
+    assert "&lt;b&gt;\ufffd" in hostile._repr_html_()
+    with monkeypatch.context() as without, pytest.raises(ImportError, match="pip install"):
+        without.setitem(sys.modules, "matplotlib", None)
+        hostile.plot()
+    pytest.importorskip("matplotlib")
+    hostile.plot().figure.canvas.draw()
 
 
 def test_document(tmp_path):
@@ -155,14 +171,51 @@ def test_log_goes_to_logging_only(tmp_path, caplog, capfd):
     assert not caplog.records and capfd.readouterr() == ("", "")
 
 
-def test_process_stays_as_it_is():
+def test_forked_process_goes_on(tmp_path):
     before = os.getcwd()
     kalvista.find_serial()
     assert os.getcwd() == before
     child = os.fork()
     if child == 0:
-        os._exit(0 if kalvista.Calibration.load(SAMPLE, SERIAL).serial == SERIAL else 1)
-    assert os.waitpid(child, 0)[1] == 0
+        try:
+            os.closerange(3, 64)  # as services do
+            (tmp_path / "own.txt").write_text("own")
+            with open(tmp_path / "own.txt"), pytest.raises(kalvista.FormatError):
+                kalvista.Configuration.read(SOURCE / "README.md")
+            os._exit(0 if kalvista.Calibration.load(SAMPLE, SERIAL).serial == SERIAL else 1)
+        finally:
+            os._exit(1)
+    assert os.waitpid(child, 0)[1] == 0 and (tmp_path / "own.txt").read_text() == "own"
+
+
+def test_names_of_files_in_an_ascii_locale():
+    ask = "import kalvista as k; print(ascii(k.Calibration(1, k.Constants({}), (k.Optics(33, chr(246), 0, True, (k.Range(0, 1, None, None, 1, (), k.Constants({})),)),)).file_names()))"
+    names = subprocess.run([sys.executable, "-c", ask], check=True, stdout=subprocess.PIPE, text=True,
+                           env={**os.environ, "LC_ALL": "C", "PYTHONUTF8": "0", "PYTHONCOERCECLOCALE": "0"}).stdout
+    assert r"\udcc3\udcb6" in names
+
+
+TREE = """mount -t tmpfs none /sys/bus || exit 77
+mkdir -p /sys/bus/usb/tree /sys/bus/usb/devices && cd /sys/bus/usb
+for serial in 11 22; do mkdir tree/$serial; ln -s ../tree/$serial devices
+  for row in idVendor=0403 idProduct=$2 serial=$serial; do echo ${row#*=} >tree/$serial/${row%=*}; done; done
+exec "$0" -c "$1" """
+FIND = """import kalvista, os
+assert kalvista.find_serial() in (11, 22) and [kalvista.find_serial(n) for n in (11, 22, 33)] == [11, 22, None]
+assert os.getcwd() == "/sys/bus/usb"
+os.chmod("devices", 0); os.setuid(65534)
+try: kalvista.find_serial()
+except kalvista.Error as error: assert error.path == "/sys/bus/usb/devices"
+else: raise SystemExit(1)
+"""
+
+
+def test_attached_cameras():
+    product = os.environ["USB_PRODUCT_ID"]
+    status = subprocess.run(["unshare", "-m", "sh", "-c", TREE, sys.executable, FIND, product]).returncode
+    if os.getuid() != 0 or status == 77:
+        pytest.skip("a USB tree of its own needs root, who may mount it")
+    assert status == 0
 
 
 def test_page_and_examples(tmp_path, monkeypatch):

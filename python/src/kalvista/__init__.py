@@ -13,6 +13,7 @@ from __future__ import annotations
 
 import dataclasses
 import os
+import sys
 from typing import Optional, SupportsIndex
 
 from . import _kalvista
@@ -68,9 +69,10 @@ def missing_files(directory: Path, serial: SupportsIndex) -> list[str]:
 def find_serial(serial: Optional[SupportsIndex] = None) -> Optional[int]:
     """Gives the serial number of the attached camera, or of this one when it is attached; else None.
 
+    0 asks for any camera, as None does.
     Raises Error when the kernel's list of devices cannot be read.
     """
-    wanted = 0 if serial is None else checked_serial(serial, 2**64 - 1)
+    wanted = 0 if serial is None else checked_serial(serial, 2 * sys.maxsize + 1)
     if os.path.exists(_DEVICES) and not os.access(_DEVICES, os.R_OK | os.X_OK):
         raise Error(f"the directory {_DEVICES} cannot be read: permission denied", _DEVICES)
     return _kalvista.find_serial(wanted) or None

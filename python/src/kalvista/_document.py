@@ -1,12 +1,13 @@
 """The small XML reader that the library's file formats are defined by."""
 from __future__ import annotations
 
+import os
 from collections.abc import Callable, Iterator
 from typing import Optional, TypeVar, Union
 
 from . import _kalvista
 from ._errors import FormatError, NotFoundError
-from ._files import Path, encoded, why_unreadable
+from ._files import Path, encoded, encoded_text, why_unreadable
 
 Element = tuple[int, int]
 Value = TypeVar("Value")
@@ -32,10 +33,10 @@ class Document:
 
     def __init__(self, path: Path, root: str) -> None:
         name = encoded(path)
-        self._reader = _kalvista.Reader(name, encoded(root))
+        self._reader = _kalvista.Reader(name, encoded_text(root))
         if not self._reader.opened or not self._reader.has_root:
             raise why_unreadable(name, root)
-        self._path = name.decode(errors="surrogateescape")
+        self._path = os.fsdecode(name)
         self._root = root
         self._element: Element = (0, self._reader.length)
 
@@ -63,12 +64,12 @@ class Document:
 
     def get_text(self, name: str, default: Union[Default, _Required] = _REQUIRED) -> Union[str, Default]:
         """Reads the text of the first child of that name, blanks included; else as get_int()."""
-        child = self._reader.first_child(self._element, encoded(name))
+        child = self._reader.first_child(self._element, encoded_text(name))
         return self._absent(name, default) if child is None else self._reader.text(child)
 
     def children(self, name: str) -> Iterator[Document]:
         """Goes over the children of that name."""
-        wanted = encoded(name)
+        wanted = encoded_text(name)
         begin, end = self._element
         while (child := self._reader.first_child((begin, end), wanted)) is not None:
             yield self._at(child)
@@ -76,7 +77,7 @@ class Document:
 
     def count(self, name: str) -> int:
         """Counts the children of that name."""
-        return self._reader.count(self._element, encoded(name))
+        return self._reader.count(self._element, encoded_text(name))
 
     def _number(
         self,
@@ -84,7 +85,7 @@ class Document:
         name: str,
         default: Union[Default, _Required],
     ) -> Union[Value, Default]:
-        present, value = read(self._element, encoded(name))
+        present, value = read(self._element, encoded_text(name))
         if not present:
             return self._absent(name, default)
         if value is None:

@@ -16,8 +16,26 @@ LARGEST_SERIAL = 2**31 - 1
 
 
 def encoded(path: Path) -> bytes:
-    """The bytes of a path or name, which hold no zero byte: the library would end there."""
-    text = os.fsencode(path)
+    """The bytes of a path."""
+    try:
+        name = os.fsencode(path)
+    except UnicodeEncodeError as error:
+        raise FormatError(f"{error.object!r} can be the name of no file: {error.reason}") from None
+    return _whole(name)
+
+
+def encoded_text(text: str) -> bytes:
+    """The bytes of a text as it stands in a file."""
+    if not isinstance(text, str):
+        raise TypeError(f"expected str, not {type(text).__name__}")
+    try:
+        return _whole(text.encode(errors="surrogateescape"))
+    except UnicodeEncodeError as error:
+        raise FormatError(f"{text!r} can stand in no file: {error.reason}") from None
+
+
+def _whole(text: bytes) -> bytes:
+    """What holds no zero byte: the library would end there."""
     if b"\0" in text:
         raise FormatError(f"{os.fsdecode(text)!r} holds a zero byte; leave it out", os.fsdecode(text))
     return text
@@ -53,7 +71,7 @@ def why_unreadable(path: bytes, root: str) -> Error:
         return FormatError(f"{name} is no regular file", name)
     if not os.access(path, os.R_OK):
         return Error(f"the file {name} cannot be read: permission denied", name)
-    reader = _kalvista.Reader(path, encoded(root))
+    reader = _kalvista.Reader(path, encoded_text(root))
     if not reader.opened:
         return FormatError(f"the comments in the file {name} do not balance; mend it, or get it anew", name)
     if not reader.has_root:

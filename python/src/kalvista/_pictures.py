@@ -17,7 +17,9 @@ def _extended(one: Range) -> tuple[float, float]:
 
 
 def _optics_text(optics: Optics) -> str:
-    return f"{optics.fov}° {optics.text}".rstrip()
+    """What can be shown anywhere: bytes that were no text have become marks of replacement."""
+    text = optics.text.encode(errors="surrogateescape").decode(errors="replace")
+    return f"{optics.fov}° {text}".rstrip()
 
 
 def _rates_text(one: Range) -> str:
@@ -29,25 +31,30 @@ def _limit_text(limit: float | None) -> str:
 
 
 def plot(calibration: Calibration, axes: Any) -> Any:
-    try:
-        from matplotlib import pyplot
-    except ImportError as error:
-        raise ImportError('plot() needs matplotlib; install it with: pip install "kalvista[plot]"') from error
     if axes is None:
-        axes = pyplot.subplots()[1]
-    rows = [(optics, one) for optics in calibration.optics for one in optics.ranges]
-    for row, (optics, one) in enumerate(rows):
+        axes = _new_axes()
+    rows = [(index, optics, one) for index, optics in enumerate(calibration.optics) for one in optics.ranges]
+    for row, (index, _, one) in enumerate(rows):
         low, high = _extended(one)
-        color = f"C{calibration.optics.index(optics)}"
+        color = f"C{index}"
         axes.barh(row, high - low, left=low, color=color, alpha=0.35)
         axes.barh(row, one.high - one.low, left=one.low, color=color)
         axes.annotate(f"{_rates_text(one)} Hz", (high, row), xytext=(4, 0), textcoords="offset points", va="center")
-    axes.set_yticks(range(len(rows)), [_optics_text(optics) for optics, _ in rows])
+    # A dollar sign would begin a formula.
+    axes.set_yticks(range(len(rows)), [_optics_text(optics).replace("$", r"\$") for _, optics, _ in rows])
     axes.invert_yaxis()
     axes.margins(x=0.2)
     axes.set_xlabel("Temperature in °C")
     axes.set_title(f"Calibration of camera {calibration.serial}")
     return axes
+
+
+def _new_axes() -> Any:
+    try:
+        from matplotlib import pyplot
+    except ImportError as error:
+        raise ImportError('plot() needs matplotlib; install it with: pip install "kalvista[plot]"') from error
+    return pyplot.subplots()[1]
 
 
 def html_table(calibration: Calibration) -> str:

@@ -1,13 +1,14 @@
 """The records of a calibration: immutable, compared and hashed by value."""
 from __future__ import annotations
 
+import os
 from collections.abc import Iterator, Mapping
 from dataclasses import dataclass, field
 from typing import Any, Optional, SupportsIndex
 
 from . import _kalvista, _pictures
 from ._errors import NotFoundError
-from ._files import Path, checked_serial, encoded, encoded_directory, why_unreadable
+from ._files import Path, checked_serial, encoded_directory, encoded_text, why_unreadable
 
 
 class Constants(Mapping[str, float]):
@@ -32,44 +33,51 @@ class Constants(Mapping[str, float]):
     def __hash__(self) -> int:
         return hash(frozenset(self._values.items()))
 
+    def __reduce__(self) -> tuple[object, ...]:
+        return Constants, (self._values,)
+
     def __repr__(self) -> str:
         return f"Constants({self._values!r})"
 
 
 @dataclass(frozen=True)
 class Range:
-    """A temperature range that an optics is calibrated for; temperatures are in °C."""
+    """A temperature range that an optics is calibrated for; temperatures are in °C.
+
+    low            lower end
+    high           upper end
+    low_extended   lower end of the extended range; None when the file has none (or the number -100)
+    high_extended  upper end of the extended range; None when the file has none (or the number -100)
+    decimals       decimals that a temperature is told with
+    frame_rates    calibrated frame rates, in frames per second; empty: any
+    table          parameters of the calibration table, keys as in the file
+    """
 
     low: float
-    """Lower end."""
     high: float
-    """Upper end."""
     low_extended: Optional[float]
-    """Lower end of the extended range; None when the file has none (or the number -100)."""
     high_extended: Optional[float]
-    """Upper end of the extended range; None when the file has none (or the number -100)."""
     decimals: int
-    """Decimals that a temperature is told with."""
     frame_rates: tuple[int, ...]
-    """Calibrated frame rates, in frames per second; empty: any."""
     table: Constants = field(repr=False)
-    """Parameters of the calibration table, keys as in the file."""
 
 
 @dataclass(frozen=True)
 class Optics:
-    """An optics of a camera, with its temperature ranges in the order of the file."""
+    """An optics of a camera, with its temperature ranges in the order of the file.
+
+    fov            field of view, in degrees
+    text           tells apart optics of the same field of view; may be empty
+    serial_number  serial number of the optics
+    sample_point   true when the optics needs no characteristic-curve files
+    ranges         its temperature ranges
+    """
 
     fov: int
-    """Field of view, in degrees."""
     text: str
-    """Tells apart optics of the same field of view; may be empty."""
     serial_number: int
-    """Serial number of the optics."""
     sample_point: bool
-    """True when the optics needs no characteristic-curve files."""
     ranges: tuple[Range, ...]
-    """Its temperature ranges."""
 
 
 @dataclass(frozen=True, repr=False)
@@ -78,14 +86,15 @@ class Calibration:
 
     >>> calibration = Calibration.load("/var/lib/cameras", 12345678)
     >>> calibration.find(33, "macro").ranges
+
+    serial  serial number of the camera
+    main    constants of the device, keys as in the file: ``main["TecA"]``
+    optics  the optics, in the order of the file
     """
 
     serial: int
-    """Serial number of the camera."""
     main: Constants
-    """Constants of the device, keys as in the file: ``main["TecA"]``."""
     optics: tuple[Optics, ...]
-    """The optics, in the order of the file."""
 
     @staticmethod
     def load(directory: Path, serial: SupportsIndex) -> Calibration:
@@ -112,11 +121,12 @@ class Calibration:
     def file_names(self) -> list[str]:
         """Names every file of the calibration, its XML first, in the order of the library's check."""
         names = [f"Cali-{self.serial}.xml"]
+        # Files are found by field of view and text, and by the ends of a range: of two alike, the first counts.
+        first_optics: dict[tuple[int, str], Optics] = {}
         for optics in self.optics:
-            # Files are found by field of view and text: of two alike, the first one's ranges count.
-            ranges = self.find(optics.fov, optics.text).ranges
-            for wanted in ranges:
-                alike = next(known for known in ranges if (known.low, known.high) == (wanted.low, wanted.high))
+            first_range: dict[tuple[float, float], Range] = {}
+            for wanted in first_optics.setdefault((optics.fov, optics.text), optics).ranges:
+                alike = first_range.setdefault((wanted.low, wanted.high), wanted)
                 for rate in alike.frame_rates or (0,):
                     base = self._base_name(optics, wanted, rate)
                     names.append(f"Cali-{base}.dat")
@@ -125,8 +135,8 @@ class Calibration:
         return names
 
     def _base_name(self, optics: Optics, wanted: Range, rate: int) -> str:
-        text = encoded(optics.text)
-        return _kalvista.file_name(self.serial, optics.fov, text, wanted.low, wanted.high, rate)
+        text = encoded_text(optics.text)
+        return os.fsdecode(_kalvista.file_name(self.serial, optics.fov, text, wanted.low, wanted.high, rate))
 
     def plot(self, axes: Any = None) -> Any:
         """Draws the ranges of each optics as bars over temperature, extended parts paler.

@@ -2,11 +2,9 @@
 
 #include <kalvista/Logger.h>
 #include <pthread.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <clocale>
+#include <sstream>
 
 namespace binding {
 namespace {
@@ -16,27 +14,25 @@ std::mutex& libraryLock() {
   return *lock;
 }
 
-constexpr int kNone = -1;
-
-// The file that the library logs to: it has no name and lives in memory.
-int logFile = kNone;
-
-void openLog() {
-  logFile = memfd_create("kalvista log", MFD_CLOEXEC);
-  const std::string name = "/proc/self/fd/" + std::to_string(logFile);
-  brivex::Logger& log = *brivex::Logger::getInstance();
-  log.filename = name;  // the name in use is opened as it is, without the time
-  log.configure(name, brivex::LOGGER_FILE_ON, 0, 0);
+// What the library has logged. The text is in memory: a descriptor of ours could be closed by the
+// process, and its number then be another file's.
+std::stringbuf& logText() {
+  static auto* text = new std::stringbuf;
+  return *text;
 }
 
-std::string readLog() {
-  struct stat status {};
-  if (fstat(logFile, &status) != 0 || status.st_size == 0) return {};
-  std::string lines(static_cast<std::size_t>(status.st_size), '\0');
-  const ssize_t count = pread(logFile, lines.data(), lines.size(), 0);
-  lines.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-  if (ftruncate(logFile, 0) != 0) lines.clear();
-  return lines;
+// The library's log, which is that of this package unless an application has configured its own.
+bool logIsOurs() {
+  static const bool isOurs = [] {
+    brivex::Logger& log = *brivex::Logger::getInstance();
+    if (log.configured) return false;
+    log.stream.open("/dev/null");  // only a stream that is open is written to
+    static_cast<std::ios&>(log.stream).rdbuf(&logText());
+    log.conf = brivex::LOGGER_FILE_ON;
+    log.configured = true;
+    return true;
+  }();
+  return isOurs;
 }
 
 py::object logging(const char* function) {
@@ -54,11 +50,14 @@ NumericLocale::~NumericLocale() {
 }
 
 LibraryHeld::LibraryHeld(unsigned int logLevel) : lock_(libraryLock()) {
-  if (logFile == kNone) openLog();
-  brivex::Logger::getInstance()->fileLevel = logLevel;
+  if (logIsOurs()) brivex::Logger::getInstance()->fileLevel = logLevel;
 }
 
-std::string LibraryHeld::takeLog() { return readLog(); }
+std::string LibraryHeld::takeLog() {
+  std::string lines = logText().str();
+  if (!lines.empty()) logText().str({});
+  return lines;
+}
 
 unsigned int wantedLogLevel() {
   static const py::handle threshold = logging("threshold").release();
@@ -70,10 +69,7 @@ void forwardLog(const std::string& lines) { logging("forward")(decoded(lines)); 
 void prepareForForks() {
   wantedLogLevel();  // looked up while the module is imported, so that no two threads do
   pthread_atfork([] { libraryLock().lock(); }, [] { libraryLock().unlock(); },
-                 [] {
-                   libraryLock().unlock();
-                   logFile = kNone;  // the parent's goes on there, and closes with the next log
-                 });
+                 [] { libraryLock().unlock(); });
 }
 
 py::str decoded(std::string_view text) {

@@ -45,7 +45,7 @@ class LibraryHeld {
 unsigned int wantedLogLevel();
 void forwardLog(const std::string& lines);
 
-// Sees to it that a forked process gets a free lock and a log of its own.
+// Sees to it that a forked process gets a free lock.
 void prepareForForks();
 
 // Runs work on the library, without the interpreter. The work must not touch Python's objects.

@@ -37,13 +37,13 @@ py::object load(const std::string& directory, int serial) {
   return calibrationRecord(calibration);
 }
 
-py::str fileName(int serial, int fov, std::string text, float low, float high,
-                 unsigned short framerate) {
+py::bytes fileName(int serial, int fov, std::string text, float low, float high,
+                   unsigned short framerate) {
   static ConfigCali names;
   std::array<char, 260> name{};
   names.caliFilenameString(serial, fov, text.data(), low, high, framerate, name.data(),
                            static_cast<int>(name.size()));
-  return decoded(name.data());
+  return name.data();
 }
 
 py::object readConfiguration(const std::string& path) {
