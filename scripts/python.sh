@@ -4,6 +4,7 @@
 #   scripts/python.sh install FOLDER   source package and wheel in FOLDER/dist, from a copy of the sources;
 #                                      the wheel looked through, and installed in a fresh environment
 #   scripts/python.sh asan FOLDER      installed from the sources, with the address sanitizer
+#   scripts/python.sh bench FOLDER     measures loading the sample, and writes the tables of docs/performance.md
 #   scripts/python.sh run FOLDER CMD.. runs a command with that environment's Python first in the path
 #
 # Without Debian's build tools for Python (nothing is fetched) it ends with 77: skipped.
@@ -12,7 +13,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 python=${KALVISTA_PYTHON:-/usr/bin/python3}
-action=${1:?what to do: install, asan or run} folder=${2:?a folder}
+action=${1:?what to do: install, asan, bench or run} folder=${2:?a folder}
 shift 2
 
 require_modules() {
@@ -63,6 +64,17 @@ case $action in
     copy_sources
     CFLAGS="-fsanitize=address -fno-omit-frame-pointer" LDFLAGS="-fsanitize=address" pip_install "$folder/tree/python"
     ;;
+  bench)
+    need_packages "${build_packages[@]}" "${python_packages[@]}"
+    copy_sources
+    pip_install "$folder/tree/python"
+    cmake -S "$root" -B "$folder/library" -DCMAKE_BUILD_TYPE=Release -DKALVISTA_BUILD_{TOOL,EXAMPLES}=OFF >"$folder/build.log"
+    cmake --build "$folder/library" --target kalvista --parallel "$(nproc)" >>"$folder/build.log"
+    g++ -std=c++17 -O3 -shared -fPIC -I "$root/include" "$root/bench/python/LibraryLoad.cpp" -o "$folder/libload.so" \
+      -L "$folder/library" -lkalvista -Wl,-rpath,"$(realpath "$folder/library")"
+    "$folder/env/bin/python" "$root/bench/python/load.py" "$folder/libload.so" \
+      "$root"/examples/repository/12/1234/Cali* 12345678 "$root/docs/performance.md"
+    ;;
   run)
     [[ -x $folder/env/bin/python ]] || { echo "skipped: nothing is installed in $folder" && exit 77; }
     if [[ $folder == *asan ]]; then
@@ -72,5 +84,5 @@ case $action in
     fi
     PATH=$folder/env/bin:$PATH exec "$folder/env/bin/python" "$@"
     ;;
-  *) die "unknown action $action; there are install, asan and run" ;;
+  *) die "unknown action $action; there are install, asan, bench and run" ;;
 esac
