@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Plants small faults, one at a time, in a copy of the sources, and tells which ones no test sees.
-#   scripts/mutants.sh HOUSE [COUNT [SEED]]
-# HOUSE is src or tools/kalvista, COUNT how many faults that compile (150), SEED which sample (1).
+#   [RUN_BY=COMMAND] scripts/mutants.sh HOUSE [COUNT [SEED]]
+# HOUSE is src or tools/kalvista, COUNT how many faults that compile (150), SEED which sample (1). Each
+# build and each run of tests is handed to COMMAND, if there is one.
 # What changes nothing that can be seen is listed with a reason in scripts/mutants-equivalent.txt.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
@@ -10,16 +11,22 @@ end_with_verdict "planted faults"
 
 house=${1:?src or tools/kalvista}
 need_packages "${build_packages[@]}" "${tool_packages[@]}" "${test_packages[@]}"
-work=$(mktemp -d /tmp/kalvista-mutants.XXXXXX)
+tool=ON
+if [[ $house == src ]]; then tool=OFF; fi
+# Not in /tmp, of which the tests get one of their own.
+work=$(mktemp -d /var/tmp/kalvista-mutants.XXXXXX)
 before_verdict() { rm -rf "$work"; }
 
 for job in $(seq "$(nproc)"); do
   mkdir "$work/$job"
   git -C "$root" ls-files -z | tar -C "$root" --null -T - -c | tar -C "$work/$job" -x
   step "Building copy $job"
-  cmake -S "$work/$job" -B "$work/$job/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DKALVISTA_BUILD_TESTS=ON \
+  cmake -S "$work/$job" -B "$work/$job/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 \
+    -DCMAKE_LINK_DEPENDS_NO_SHARED=ON -DKALVISTA_BUILD_TESTS=ON -DKALVISTA_BUILD_TOOL=$tool \
     -DKALVISTA_BUILD_EXAMPLES=OFF >"$work/$job.log"
-  cmake --build "$work/$job/build" >>"$work/$job.log" || die "the copy does not build: $(tail -5 "$work/$job.log")"
+  # shellcheck disable=SC2086  # a command and its arguments
+  ${RUN_BY:-} cmake --build "$work/$job/build" >>"$work/$job.log" ||
+    die "the copy does not build: $(tail -5 "$work/$job.log")"
 done
 step "Planting faults in $house"
 python3 "$root/scripts/mutants.py" "$work" "$house" "${2:-150}" "${3:-1}" "$root/scripts/mutants-equivalent.txt"

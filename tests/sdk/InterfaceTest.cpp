@@ -105,6 +105,107 @@ long taken(bool (ardo::SimpleXML::*get)(char**) const, const ardo::SimpleXML& xm
   return (xml.*get)(&text) ? taken(text) : -1;
 }
 
+// With null, empty and impossible arguments each call gives its failure, changes nothing, and says
+// why where it has a way to; so it does in a working directory that is gone.
+TEST_F(Interface, Refusals) {
+  const auto withError = [](auto result) { return std::pair<long, int>(result, errno); };
+  const auto mkDir = [&](const char* path) { return withError(ardo::mkDir(path)); };
+  char buffer[1100];
+  const auto workingDirectory = [&](char* to, short size) {
+    return withError(ardo::getFolderPath(to, size) != nullptr);
+  };
+  using Result = std::pair<long, int>;
+  EXPECT_EQ(mkDir(nullptr), Result(-1, EFAULT));
+  EXPECT_EQ(mkDir(""), Result(-1, ENOENT));
+  EXPECT_EQ(mkDir("to"), Result(-1, EEXIST));
+  EXPECT_EQ(workingDirectory(nullptr, 260), Result(0, EINVAL));
+  EXPECT_EQ(workingDirectory(buffer, 0), Result(0, EINVAL));
+  EXPECT_EQ(workingDirectory(buffer, 1), Result(0, ERANGE));
+
+  ardo::SimpleXML xml;
+  EXPECT_TRUE(xml.open("x.xml", "imager") && xml.setNode());
+  char* text = x_;
+  const char* const none = nullptr;
+  const auto refusedByXml = [&] {
+    return shown(xml.open(none, "r"), xml.open("x.xml", none), xml.open(none, x_, "r"),
+                 xml.open(".", nullptr, "r"), xml.open(".", x_, none), xml.setNode(none),
+                 xml.setNode(none, 0), xml.setNode("calipath", -1), xml.getNode(nullptr),
+                 xml.getInt(none, nullptr), xml.getInt("calipath", nullptr),
+                 xml.getLong("calipath", nullptr), xml.getFloat("calipath", nullptr),
+                 xml.getString("calipath", nullptr), xml.getString(none, &text));
+  };
+  const auto falses = [](int count) {
+    std::string all = "false";
+    while (--count > 0) all += " false";
+    return all;
+  };
+  EXPECT_EQ(refusedByXml(), falses(15));
+  EXPECT_EQ(shown(xml.getNodeCount(none), xml.getKey(none, 0, 9, true), xml.depth, text == nullptr,
+                  taken(&ardo::SimpleXML::getNode, xml)),
+            "0 -1 0 true " + shown(xml.length));
+
+  ardo::IRDeviceParams params{};
+  EXPECT_EQ(shown(ardo::IRDeviceParamsReader::readXML(none, params),
+                  ardo::IRDeviceParamsReader::readXMLC("", params)),
+            falses(2));
+
+  ConfigCali cali;
+  OPTICS optics{30, nullptr};
+  Range range{0, 250};
+  OPTICS* const noOptics = nullptr;
+  Range* const noRange = nullptr;
+  unsigned short rate = 9;
+  EXPECT_EQ(
+      shown(cali.load(none, 7), cali.getOpticsIndex(noOptics), cali.getOptics(-1),
+            cali.getOptics(1), cali.getTempRangeCount(noOptics),
+            cali.getTempRangeIndex(noOptics, &range), cali.getTempRangeIndex(&optics, noRange),
+            cali.getTempRange(noOptics, 0), cali.getTempRange(&optics, -1),
+            cali.getExtendedTempRange(noOptics, 0), cali.getExtendedTempRange(&optics, 3),
+            cali.getTempRangeOverAll(noOptics), cali.getFramerateCount(noOptics, &range),
+            cali.getFramerateCount(&optics, noRange), cali.getFramerateIndex(&optics, noRange, 9),
+            cali.getFramerate(&optics, noRange, 0), cali.checkFramerate(noOptics, &range, rate)),
+      "2147942405 -1 0 0 -1 -1 -1 0 0 0 0 0 -1 -1 -1 0 true");
+  EXPECT_EQ(shown(cali.caliFilenameString(1, 1, nullptr, 0, 0, 0, nullptr, 9),
+                  cali.caliFilenameString(1, 1, nullptr, 0, 0, 0, buffer, 0),
+                  cali.caliFilenameString(1, 1, nullptr, noRange, 0, buffer, 9)),
+            falses(3));
+
+  IRCalibrationManager& manager = fresh("to");
+  manager.setCalibrationDir(nullptr);
+  manager.setFormatsDir(nullptr);
+  EXPECT_EQ(shown(manager.getCalibrationDir(), manager.getFormatsDir()),
+            "to /usr/share/libkalvista");
+  int size = 9;
+  const auto checkFiles = [&](int* to, const char* a, const char* b, const char* c, const char* d) {
+    return manager.checkCaliFiles("to", 7, nullptr, to, a, b, c, d);
+  };
+  EXPECT_EQ(shown(manager.createConfigFilepath(nullptr, "to", 9, "", ""),
+                  manager.createConfigFilepath(buffer, none, 9, "", ""),
+                  manager.createConfigFilepath(buffer, "to", 0, "", ""),
+                  manager.createConfigFilepath(buffer, "to", 9, none, ""),
+                  manager.createConfigFilepath(buffer, "to", 9, "", none),
+                  checkFiles(nullptr, "a", "b", "c", "d"), checkFiles(&size, none, "b", "c", "d"),
+                  checkFiles(&size, "a", none, "c", "d"), checkFiles(&size, "a", "b", none, "d"),
+                  checkFiles(&size, "a", "b", "c", none), manager.downloadCalibration(0)),
+            falses(11));
+  ardo::_checkCaliFilesHelper("to", nullptr, "%s", nullptr, &size);
+  ardo::_checkCaliFilesHelper("to", x_, none, nullptr, &size);
+  ardo::_checkCaliFilesHelper("to", x_, "%s", nullptr, nullptr);
+  EXPECT_EQ(shown(size, brivex::W2C(none) == nullptr), "9 true");
+
+  fs::create_directory("gone");
+  fs::current_path("gone");
+  fs::remove(folder_ / "gone");
+  EXPECT_EQ(workingDirectory(buffer, 260), Result(0, ENOENT));
+  EXPECT_EQ(mkDir("x"), Result(-1, ENOENT));
+  EXPECT_EQ(shown(manager.createConfigFilepath(buffer, "", 260, "x", ""), xml.open("x.xml", "r"),
+                  xml.open("", x_, "r"), ardo::IRDeviceParamsReader::readXML("x.xml", params)),
+            falses(4));
+  EXPECT_EQ(shown(cali.load("", 7), fresh("").getAvailableOptics(7)->size(),
+                  taken(fresh("").checkCalibration(7))),
+            "2147942405 1 11");
+}
+
 // One block fails, or all from one on, for each block that a call asks for: the call gives its
 // result or a failure, and the same as ever afterwards.
 TEST_F(Interface, CallsWithoutMemory) {
