@@ -27,6 +27,7 @@ ln -s /mnt/camera /sys/bus/usb/devices/1-1
 (cd /mnt/camera && echo 0403 >idVendor && echo "${USB_PRODUCT_ID:-7d3a}" >idProduct && echo 12345678 >serial)
 cp -r "$source/examples/repository" /media/usb
 cp -r "$source"/examples/*.{xml,cpp} "$source"/docs/examples/* /mnt/home
+echo 12345678 >/mnt/home/serials
 ln -s "$tool" /mnt/bin/kalvista
 # The network: a server on the loopback that has every name, and the certificates for it.
 ip link set lo up

@@ -54,11 +54,7 @@ void takeOver(Arrivals& arrivals, Differing differing, unsigned long serial,
     names.insert(names.end(), others.begin(), others.end());
     result->installed = arrivals.place(names);
     result->replaced = others.size();
-    if (arrivals.removeFormerSeal()) {
-      warn("the seal of camera " + std::to_string(serial) +
-           " was of its former files and is gone; " + repository.shownName() +
-           " has none, make one with \"kalvista seal " + std::to_string(serial) + "\"");
-    }
+    result->isSealGone = arrivals.removeFormerSeal();
   }
   if (wasComplete && differing == Differing::Keep) {
     if (!failures.empty()) {

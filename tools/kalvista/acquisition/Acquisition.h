@@ -17,6 +17,7 @@ struct Acquisition {
   std::size_t replaced = 0;            // how many of them
   std::vector<std::string> mended;     // those that more users may read now
   std::vector<std::string> differing;  // those that the repository has otherwise, left as they are
+  bool isSealGone = false;             // it was of files that were replaced
   CalibrationStatus status;            // afterwards
   ExitCode exitCode = ExitCode::Done;
   std::string problem;  // beside an exit code: one sentence

@@ -1,4 +1,5 @@
 #include "acquisition/Acquisition.h"
+#include "answer/Console.h"
 
 namespace tool {
 
@@ -15,6 +16,13 @@ std::string changesText(const Acquisition& acquisition) {
 
 Answer answerOf(const Acquisition& acquisition, const CommonOptions& common, unsigned long serial) {
   const CalibrationStatus& status = acquisition.status;
+  if (acquisition.isSealGone) {
+    const std::string number = std::to_string(serial);
+    warn("the seal of camera " + number +
+         " was of its former files and is gone; the new ones came without one, which \"kalvista "
+         "seal " +
+         number + "\" makes");
+  }
   Answer answer = answerOf(status, common.calibrationDir, serial);
   answer.document["installed"] = acquisition.installed;
   answer.document["mended"] = acquisition.mended;

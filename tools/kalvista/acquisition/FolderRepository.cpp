@@ -25,12 +25,6 @@ bool beginsWith(const std::string& name, const std::string& beginning) {
   return name.compare(0, beginning.size(), beginning) == 0;
 }
 
-bool belongsToCamera(const std::string& name, unsigned long serial) {
-  const std::string number = std::to_string(serial);
-  return name == calibrationXmlName(serial) || name == sealName(serial) ||
-         beginsWith(name, "Cali-" + number + "-") || beginsWith(name, "Kennlinie-" + number + "-");
-}
-
 // Some space is kept for root.
 std::uintmax_t freeBytes(const std::string& folder) {
   struct statvfs system {};
@@ -70,9 +64,16 @@ FolderRepository::FolderRepository(const std::string& folder) : folder_(folder) 
 }
 
 std::vector<std::string> FolderRepository::namesOf(unsigned long serial) {
+  const std::string number = std::to_string(serial);
   std::vector<std::string> names;
-  for (const auto& [name, paths] : paths_) {
-    if (belongsToCamera(name, serial)) names.push_back(name);
+  for (const std::string& name : {calibrationXmlName(serial), sealName(serial)}) {
+    if (paths_.count(name) != 0) names.push_back(name);
+  }
+  for (const std::string& beginning : {"Cali-" + number + "-", "Kennlinie-" + number + "-"}) {
+    for (auto path = paths_.lower_bound(beginning);
+         path != paths_.end() && beginsWith(path->first, beginning); ++path) {
+      names.push_back(path->first);
+    }
   }
   return names;
 }

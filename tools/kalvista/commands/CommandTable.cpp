@@ -4,8 +4,8 @@ namespace tool {
 
 std::vector<Command> allCommands() {
   return {setupCommand(),  doctorCommand(), camerasCommand(),  serialCommand(),  opticsCommand(),
-          checkCommand(),  copyCommand(),   downloadCommand(), sealCommand(),    configCommand(),
-          paramsCommand(), lintCommand(),   versionCommand(),  generateCommand()};
+          checkCommand(),  copyCommand(),   downloadCommand(), sealCommand(),    mirrorCommand(),
+          configCommand(), paramsCommand(), lintCommand(),     versionCommand(), generateCommand()};
 }
 
 }  // namespace tool

@@ -23,6 +23,7 @@ Command checkCommand();
 Command copyCommand();
 Command downloadCommand();
 Command sealCommand();
+Command mirrorCommand();
 Command configCommand();
 Command paramsCommand();
 Command lintCommand();

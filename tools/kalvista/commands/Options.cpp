@@ -28,18 +28,6 @@ const std::map<std::string, ardo::IRLoggerVerbosityLevel>& verbosityLevels() {
   return levels;
 }
 
-unsigned long parseSerial(const std::string& text) {
-  unsigned long serial = 0;
-  const char* end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, serial);
-  if (result.ec != std::errc() || result.ptr != end || serial < 1 || serial > kGreatestSerial) {
-    throw Failure(ExitCode::WrongUsage, "the serial number \"" + text +
-                                            "\" is not usable; give decimal digits, from 1 to " +
-                                            std::to_string(kGreatestSerial));
-  }
-  return serial;
-}
-
 std::string pathFromRoot(const std::string& text) {
   if (text.empty()) throw CLI::ValidationError("the path is empty");
   return absolutePath(text);
@@ -99,6 +87,18 @@ void applyCommonOptions(const CommonOptions& common) {
   manager->setCalibrationDir(common.calibrationDir.c_str());
   manager->setFormatsDir(common.formatsDir.c_str());
   if (chdir("/") != 0) throw Failure(ExitCode::CouldNot, "the directory / cannot be entered");
+}
+
+unsigned long parseSerial(const std::string& text) {
+  unsigned long serial = 0;
+  const char* end = text.data() + text.size();
+  const auto result = std::from_chars(text.data(), end, serial);
+  if (result.ec != std::errc() || result.ptr != end || serial < 1 || serial > kGreatestSerial) {
+    throw Failure(ExitCode::WrongUsage, "the serial number \"" + text +
+                                            "\" is not usable; give decimal digits, from 1 to " +
+                                            std::to_string(kGreatestSerial));
+  }
+  return serial;
 }
 
 CLI::Option* addSerial(CLI::App& app, unsigned long& serial) {

@@ -19,8 +19,9 @@ std::vector<std::string> verbosityNames();
 // since all paths are absolute by now.
 void applyCommonOptions(const CommonOptions& common);
 
-// Decimal digits, from 1 to the greatest number that names of calibration files can hold; `serial`
-// stays 0 when the argument is optional and not given.
+// Decimal digits, from 1 to the greatest number that names of calibration files can hold.
+unsigned long parseSerial(const std::string& text);
+// `serial` stays 0 when the argument is optional and not given.
 CLI::Option* addSerial(CLI::App& app, unsigned long& serial);
 CLI::Option* addPath(CLI::App& app, const std::string& name, std::string& path,
                      const std::string& description);

@@ -42,11 +42,16 @@ void addUpdate(CLI::App& app, bool& update) {
                "Replace the files that are otherwise in the repository, all of them together");
 }
 
-FetchLimits limitsFor(const WebOptions& web, const CommonOptions& common, unsigned long serial,
-                      bool update) {
+FetchLimits limitsOf(const WebOptions& web) {
   FetchLimits limits;
   limits.timeoutSeconds = web.timeoutSeconds;
   limits.maxBytes = web.maxMegabytes * kMegabyte;
+  return limits;
+}
+
+FetchLimits limitsFor(const WebOptions& web, const CommonOptions& common, unsigned long serial,
+                      bool update) {
+  FetchLimits limits = limitsOf(web);
   if (update || !lookAtCalibration(common.calibrationDir, serial).complete()) return limits;
   limits.timeoutSeconds = std::min(limits.timeoutSeconds, kTimeoutOfComparison);
   limits.tries = 1;

@@ -20,6 +20,7 @@ void addWebOptions(CLI::App& app, WebOptions& web);
 // Replacing what differs from the repository.
 void addUpdate(CLI::App& app, bool& update);
 
+FetchLimits limitsOf(const WebOptions& web);
 // Short for a calibration that is complete: the servers are only asked whether it is still theirs.
 FetchLimits limitsFor(const WebOptions& web, const CommonOptions& common, unsigned long serial,
                       bool update);

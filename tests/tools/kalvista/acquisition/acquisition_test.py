@@ -322,6 +322,35 @@ class Acquisition(unittest.TestCase):
                 if kind == "twice":
                     self.assertIn(f"b/{ONE}", err)
 
+    def test_mirror(self):
+        os.rename("repository", "source")
+        os.mkdir("empty")
+        second = {name.replace(SERIAL, "12340000"): body.replace(SERIAL.encode(), b"12340000")
+                  for name, body in SAMPLE.items()}
+        for name, body in second.items():
+            pathlib.Path("empty", name).write_bytes(body)
+        pathlib.Path("serials").write_text(f"{SERIAL} 12340000 # two\n\n77\n")
+        mirror = ("mirror", "cali", "--serials", "serials", "--from", "empty", "--from", "source",
+                  "--address", "https://files.example.com/x")
+
+        def made():
+            return {path.name: path.read_bytes()
+                    for path in pathlib.Path("cali").rglob("*") if path.is_file()}
+        code, out, err = self.run_tool(*mirror)
+        self.assertEqual((code, "2 cameras of 3: 70 files (71 added" in out), (1, True), out + err)
+        self.assertIn("camera 77: ", err)
+        before = made()
+        self.assertEqual({name: body for name, body in before.items() if name in SAMPLE}, SAMPLE)
+        self.assertEqual(before[SEAL], seal(SAMPLE))
+        self.assertIn("nothing had to be changed", self.run_tool(*mirror)[1])
+        self.assertEqual(made(), before)
+        pathlib.Path("empty", ONE.replace(SERIAL, "12340000")).write_bytes(b"new")
+        self.assertIn("(2 added or replaced)", self.run_tool(*mirror)[1])
+        with Server(made()) as server:
+            code, out, err = self.run_tool("mirror", "empty", "--serials", "serials", "--mirror",
+                                           server.address)
+            self.assertEqual((code, "2 cameras of 3: 70 files" in out), (1, True), out + err)
+
     def test_unreadable_files_are_mended_by_their_owner(self):
         def as_user(*arguments):
             return self.run_tool(*arguments, before=SETPRIV, preexec_fn=lambda: os.umask(0o077))
