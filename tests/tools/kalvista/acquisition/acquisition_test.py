@@ -5,8 +5,10 @@ import hashlib
 import http.server
 import os
 import pathlib
+import pty
 import shutil
 import signal
+import ssl
 import subprocess
 import sys
 import tempfile
@@ -191,6 +193,42 @@ class Acquisition(unittest.TestCase):
                 self.assertIn("34 files added", out)
                 self.assertEqual(self.held(), SAMPLE)
                 self.assertLessEqual(server.connections, 10)
+
+    def test_ways_to_a_server(self):
+        with Server(SAMPLE) as server:
+            code, _, err = self.run_tool("download", SERIAL, "--mirror", "http://files.invalid/x",
+                                         env={**os.environ, "http_proxy": server.address})
+            self.assertEqual((code, self.held()), (0, SAMPLE), err)
+            self.assertLessEqual(server.connections, 9)
+        self.new()
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-keyout", "key",
+                        "-out", "certificate", "-subj", "/CN=127.0.0.1"], check=True,
+                       stderr=subprocess.DEVNULL)
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain("certificate", "key")
+        with Server(SAMPLE) as server:
+            server.socket = context.wrap_socket(server.socket, server_side=True)
+            server.address = server.address.replace("http", "https")
+            code, _, err = self.download(server)
+            self.assertEqual((code, "certificate" in err, self.held()), (3, True, {}), err)
+
+    def test_progress(self):
+        slow = {ONE: lambda handler: time.sleep(0.5)}
+        for options, seen in (([], True), (["--json"], False), (["-v", "error"], False)):
+            with self.subTest(options), Server(SAMPLE, slow) as server:
+                self.new()
+                terminal, end = pty.openpty()
+                subprocess.run([TOOL, "download", SERIAL, "--mirror", server.address, *options,
+                                "--calibration-dir", "cali"], stdout=subprocess.DEVNULL, stderr=end,
+                               check=True, timeout=NEVER)
+                os.close(end)
+                shown = b""
+                with contextlib.suppress(OSError):
+                    while block := os.read(terminal, 65536):
+                        shown += block
+                os.close(terminal)
+                self.assertEqual(b" of 33 files, " in shown, seen, shown)
+                self.assertEqual(shown.endswith(b"\r\x1b[K"), seen)
 
     def test_nothing_at_all(self):
         for files, status in (({}, 1), ({XML: SAMPLE[XML]}, 1), ({XML: b"<CaliData>"}, 1)):
