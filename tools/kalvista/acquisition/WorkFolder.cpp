@@ -90,12 +90,11 @@ void flushToDisk(const std::string& path) {
   if (file.number() < 0 || fsync(file.number()) != 0) failToWrite("the file " + path, errno);
 }
 
-// Starts the writing of all, so that the disk has it in one go, and waits for it then.
+// Many files go in one go with whatever else the file system has to write, since a disk takes its
+// time for each single one.
 void flushAllToDisk(const WorkFolder& work, const std::vector<std::string>& names) {
-  for (const std::string& name : names) {
-    const Descriptor file(open(work.pathOf(name).c_str(), O_RDONLY | O_CLOEXEC));
-    sync_file_range(file.number(), 0, 0, SYNC_FILE_RANGE_WRITE);
-  }
+  const Descriptor folder(open(work.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (names.size() > 1 && syncfs(folder.number()) == 0) return;
   for (const std::string& name : names) {
     throwIfInterrupted();
     flushToDisk(work.pathOf(name));
