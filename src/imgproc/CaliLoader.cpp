@@ -79,15 +79,16 @@ class ElementScan final : public ardo::LineReceiver {
  private:
   void scan(std::string_view text) {
     ardo::TagScanner tags(text);
-    KnownTag& known = known_;
+    KnownTag known = known_;
     while ((wanted_ | open_) != 0 && takeKnown(tags, known)) {
-      while (!known.closing && isWanted(known.element)) {
+      while (!known.closing() && isWanted(known.element())) {
         if (takeValue(tags, known)) continue;
-        open(known.element, tags.tagEnd());
+        open(known.element(), tags.tagEnd());
         break;
       }
-      if (known.closing) close(known.element, tags.tagBegin());
+      if (known.closing()) close(known.element(), tags.tagBegin());
     }
+    known_ = known;
     tagCut_ |= tags.tagCut();
   }
 
@@ -96,9 +97,20 @@ class ElementScan final : public ardo::LineReceiver {
     return tagCut_ || records_.lineEndInValue || (open_ & valueElements()) != 0;
   }
 
-  struct KnownTag {
-    std::uint8_t element = kNoElement;
-    bool closing = false;
+  // One byte, since a processor waits for a pair that is read as one right after it was written.
+  class KnownTag {
+   public:
+    static constexpr std::size_t kCount = 2 * (kNoElement + 1);
+
+    constexpr KnownTag() = default;
+    constexpr KnownTag(std::size_t element, bool closing)
+        : code_(static_cast<std::uint8_t>(closing ? element + kNoElement + 1 : element)) {}
+    constexpr std::size_t element() const { return code_ % (kNoElement + 1); }
+    constexpr bool closing() const { return code_ > kNoElement; }
+    constexpr std::size_t code() const { return code_; }
+
+   private:
+    std::uint8_t code_ = kNoElement;
   };
 
   // The two tags that were last found behind a tag.
@@ -106,23 +118,23 @@ class ElementScan final : public ardo::LineReceiver {
     KnownTag latest;
     KnownTag former;
   };
-  using FollowerTable = std::array<std::array<Followers, 2>, kNoElement + 1>;
+  using FollowerTable = std::array<Followers, KnownTag::kCount>;
 
   // From the closing tag of a value to the end of the next opening tag. It is kept when the piece
   // that held it is gone; a long one is not worth it. Nothing is read of it before it is set.
   class Step {  // NOLINT(cppcoreguidelines-pro-type-member-init)
    public:
-    void set(std::string_view text, std::uint8_t next) {
+    void set(std::string_view text, KnownTag next) {
       size_ = text.size() <= text_.size() ? text.copy(text_.data(), text.size()) : 0;
       next_ = next;
     }
     std::string_view text() const { return {text_.data(), size_}; }
-    std::uint8_t next() const { return next_; }
+    KnownTag next() const { return next_; }
 
    private:
-    std::array<char, 118> text_;
-    std::uint8_t next_;
     std::size_t size_ = 0;
+    KnownTag next_;
+    std::array<char, 119> text_;
   };
 
   struct Content {
@@ -134,9 +146,9 @@ class ElementScan final : public ardo::LineReceiver {
   static const FollowerTable& firstGuesses() {
     static constexpr FollowerTable kGuesses = [] {
       FollowerTable guesses{};
-      for (std::uint8_t element = 0; element + 1U < kElementCount; ++element) {
-        guesses[element][0].latest = {element, true};
-        guesses[element][1].latest = {static_cast<std::uint8_t>(element + 1), false};
+      for (std::size_t element = 0; element + 1 < kElementCount; ++element) {
+        guesses[KnownTag(element, false).code()].latest = {element, true};
+        guesses[KnownTag(element, true).code()].latest = {element + 1, false};
       }
       return guesses;
     }();
@@ -147,7 +159,7 @@ class ElementScan final : public ardo::LineReceiver {
   bool takeKnown(ardo::TagScanner& tags, KnownTag& known) {
     const KnownTag before = known;
     const char* beforeBegin = tags.tagBegin();
-    Followers& followers = followers_[before.element][before.closing ? 1 : 0];
+    Followers& followers = followers_[before.code()];
     if (takeIfNext(tags, followers.latest)) {
       known = followers.latest;
     } else if (takeIfNext(tags, followers.former)) {
@@ -156,16 +168,16 @@ class ElementScan final : public ardo::LineReceiver {
       if (!findKnown(tags, known)) return false;
       followers.former = std::exchange(followers.latest, known);
     }
-    if (before.closing && !known.closing && beforeBegin != nullptr &&
-        kElementRules[before.element].holdsValue()) {
-      steps_[before.element].set(textBetween(beforeBegin, tags.tagEnd()), known.element);
+    if (before.closing() && !known.closing() && beforeBegin != nullptr &&
+        kElementRules[before.element()].holdsValue()) {
+      steps_[before.element()].set(textBetween(beforeBegin, tags.tagEnd()), known);
     }
     return true;
   }
 
   static bool takeIfNext(ardo::TagScanner& tags, KnownTag expected) {
-    return expected.element != kNoElement &&
-           tags.takeExpected(kElementRules[expected.element].name, expected.closing);
+    return expected.element() != kNoElement &&
+           tags.takeExpected(kElementRules[expected.element()].name, expected.closing());
   }
 
   static bool findKnown(ardo::TagScanner& tags, KnownTag& known) {
@@ -173,7 +185,7 @@ class ElementScan final : public ardo::LineReceiver {
     while (tags.takeNext(tag)) {
       const std::size_t element = elementNamed(tag.name);
       if (element == kNoElement) continue;
-      known = {static_cast<std::uint8_t>(element), tag.closing};
+      known = {element, tag.closing};
       return true;
     }
     return false;
@@ -182,15 +194,15 @@ class ElementScan final : public ardo::LineReceiver {
   // Opens and closes an element in one go when it holds a value only, as most do. Goes on to the
   // opening tag that follows when the text between is that of the last time.
   bool takeValue(ardo::TagScanner& tags, KnownTag& known) {
-    const std::size_t element = known.element;
+    const std::size_t element = known.element();
     const ElementRule& rule = kElementRules[element];
     if (!rule.holdsValue()) return false;
     const char* content = tags.tagEnd();
     const Step& step = steps_[element];
     if (!step.text().empty() && tags.takeRepeated(step.text())) {
-      known.element = step.next();
+      known = step.next();
     } else if (tags.takeExpected(rule.name, true)) {
-      known.closing = true;
+      known = {element, true};
     } else {
       return false;
     }
@@ -244,7 +256,7 @@ class ElementScan final : public ardo::LineReceiver {
   bool tagCut_ = false;
   KnownTag known_;
   FollowerTable followers_ = firstGuesses();
-  std::array<Step, kElementCount> steps_{};
+  std::array<Step, kElementCount> steps_;
   std::array<Content, kElementCount> contents_{};
 };
 

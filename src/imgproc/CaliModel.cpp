@@ -74,7 +74,9 @@ void setRanges(OpticsDef& optics, std::vector<RangePointer>& ranges) {
 }
 
 void setDefaultRanges(OpticsDef& optics) {
+  constexpr std::size_t kDefaultRanges = 3;
   std::vector<RangePointer> ranges;
+  ranges.reserve(kDefaultRanges);
   ranges.push_back(makeRangeOf(-20.0F, 100.0F));
   ranges.push_back(makeRangeOf(0.0F, 250.0F));
   ranges.push_back(makeRangeOf(150.0F, 900.0F));
