@@ -2,17 +2,12 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
 #include <sstream>
 
-#include "Files.h"
 #include "Targets.h"
 
 namespace bench {
 namespace {
-
-constexpr const char* kBeginMark = "<!-- measured: begin -->\n";
-constexpr const char* kEndMark = "<!-- measured: end -->\n";
 
 std::string format(const char* pattern, double value) {
   char text[64];
@@ -125,20 +120,6 @@ std::string formatRatio(double value) { return format("%.2f", value); }
 std::string formatSize(std::size_t bytes) {
   const double kilobytes = static_cast<double>(bytes) / 1024;
   return kilobytes < 1000 ? format("%.1f KB", kilobytes) : format("%.1f MB", kilobytes / 1024);
-}
-
-void updatePage(const std::string& path, const std::string& markdown) {
-  std::ifstream in(path);
-  std::stringstream page;
-  page << in.rdbuf();
-  const std::string text = page.str();
-  const std::size_t begin = text.find(kBeginMark);
-  const std::size_t end = text.find(kEndMark);
-  require(begin != std::string::npos && end != std::string::npos && begin < end,
-          path +
-              " has no lines \"<!-- measured: begin -->\" and \"<!-- measured: end -->\"; put "
-              "them where the tables shall stand.");
-  writeFile(path, text.substr(0, begin) + kBeginMark + markdown + text.substr(end));
 }
 
 }  // namespace bench

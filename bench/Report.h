@@ -43,9 +43,6 @@ void addTimings(Table& table, const std::string& workload, const Timings& timing
 std::string formatRatio(double value);
 std::string formatSize(std::size_t bytes);  // in KB or MB
 
-// Puts the tables between the two marks of a page.
-void updatePage(const std::string& path, const std::string& markdown);
-
 }  // namespace bench
 
 #endif  // KALVISTA_BENCH_REPORT_H
