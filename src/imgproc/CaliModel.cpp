@@ -115,10 +115,8 @@ void resetModel(ConfigCali& calibration) {
 
 void releaseModel(ConfigCali& calibration) {
   delete calibration.mainSection;
-  calibration.mainSection = nullptr;
   if (calibration.opticsList != nullptr) releaseOptics(*calibration.opticsList);
   delete calibration.opticsList;
-  calibration.opticsList = nullptr;
 }
 
 }  // namespace cali

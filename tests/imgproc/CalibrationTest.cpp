@@ -79,23 +79,29 @@ TEST_F(Calibration, Transcript) {
   runTranscript("imgproc/calibration.txt", on);
 }
 
-// A thread's own locale with a decimal comma: 12.5 is 12, as the C library reads it, however long.
+// The process's locale becomes "C". A thread's own locale with a decimal comma stays: 12.5 is 12,
+// as the C library reads it, however long.
 TEST_F(Calibration, NumbersFollowTheThreadsLocale) {
   outputOf("localedef -i de_DE -f UTF-8 ./comma");
   setenv("LOCPATH", folder_.path().c_str(), 1);
   writeFile("Cali-7.xml",
-            "<CaliData>\n<TempTEC_Step>12.5</TempTEC_Step>\n"
-            "<TempTECGain>12.5000000001</TempTECGain>\n</CaliData>");
+            "<CaliData>\n<Main><TempTEC_Step>12.5</TempTEC_Step>\n"
+            "<TempTECGain>12.5000000001</TempTECGain></Main>\n"
+            "<Temperature><Optics></Optics></Temperature>\n</CaliData>");
   static constexpr int kNoLocale = 77;
   // The C library keeps memory for a locale; it ends with the process.
   const int result = inChildProcess([] {
     const locale_t comma = newlocale(LC_ALL_MASK, "comma", nullptr);
     if (comma == nullptr) return kNoLocale;
+    setlocale(LC_ALL, "comma");
+    ConfigCali first;
+    first.load(".", 7);
+    const auto twice = static_cast<int>(first.mainSection->TempTECGain * 2);
     uselocale(comma);
     ConfigCali cali;
     cali.load(".", 7);
-    return static_cast<int>(cali.mainSection->TempTEC_Step + cali.mainSection->TempTECGain);
+    return twice + static_cast<int>(cali.mainSection->TempTEC_Step + cali.mainSection->TempTECGain);
   });
   if (result == kNoLocale) GTEST_SKIP() << "no locale can be made: is the package locales there?";
-  EXPECT_EQ(result, 12 + 12);
+  EXPECT_EQ(result, 25 + 12 + 12);
 }

@@ -194,7 +194,11 @@ TEST_F(Interface, Refusals) {
   ardo::_checkCaliFilesHelper("to", nullptr, "%s", nullptr, &size);
   ardo::_checkCaliFilesHelper("to", x_, none, nullptr, &size);
   ardo::_checkCaliFilesHelper("to", x_, "%s", nullptr, nullptr);
-  EXPECT_EQ(shown(size, brivex::W2C(none) == nullptr), "9 true");
+  int noRoom = 0;
+  char* const list = reinterpret_cast<char*>(8);  // neither read nor written
+  ardo::_checkCaliFilesHelper("to", x_, "%s", list, &noRoom);
+  manager.checkCaliFiles("to", 7, list, &noRoom, "a", "b", "c", "d");
+  EXPECT_EQ(shown(size, noRoom, brivex::W2C(none) == nullptr), "9 0 true");
 
   fs::create_directory("gone");
   fs::current_path("gone");
@@ -207,6 +211,18 @@ TEST_F(Interface, Refusals) {
   EXPECT_EQ(shown(cali.load("", 7), fresh("").getAvailableOptics(7)->size(),
                   taken(fresh("").checkCalibration(7))),
             "2147942405 1 11");
+}
+
+// Descriptor 0 is one like others, and an error from before is nobody's.
+TEST_F(Interface, WithoutStandardInput) {
+  writeFile("empty", "");
+  EXPECT_TRUE(inChildProcess([] {
+    close(0);
+    ardo::SimpleXML xml;
+    errno = EINTR;
+    return xml.open("empty", "r") && xml.open("x.xml", "imager") && xml.hasRoot() &&
+           taken(fresh("from").checkCalibration(8)) == -1 && open("/dev/null", O_RDONLY) == 0;
+  }));
 }
 
 // One block fails, or all from one on, for each block that a call asks for: the call gives its

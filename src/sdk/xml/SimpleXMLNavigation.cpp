@@ -57,7 +57,6 @@ bool SimpleXML::setNode() {
   nodeBegin[0] = 0;
   nodeEnd[0] = length;
   depth = 0;
-  SimpleXMLInternals::forgetSibling(*this, 1);
   return true;
 }
 

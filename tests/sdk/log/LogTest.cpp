@@ -69,6 +69,19 @@ TEST_F(Log, LineTellsTheSecondsSinceTheStart) {
   }
 }
 
+// Neither a file of its own twice, nor one that has got its number since.
+TEST_F(Log, ClosesItsFileOnce) {
+  Logger& log = *Logger::getInstance();
+  const std::string held = outputOf("ls /proc/$PPID/fd");
+  for (const auto sink : {brivex::LOGGER_FILE_ON, brivex::LOGGER_FILE_OFF}) {
+    log.configure("x", sink, 0, 0);
+  }
+  EXPECT_EQ(outputOf("ls /proc/$PPID/fd"), held);
+  const int others[] = {dup(0), dup(0)};
+  Logger::releaseInstance();
+  EXPECT_EQ(close(others[0]) + close(others[1]), 0);
+}
+
 TEST_F(Log, FileIsNamedByTheLocalTime) {
   setenv("TZ", "TEST-11:07", 1);
   const std::time_t before = std::time(nullptr);

@@ -22,8 +22,11 @@ const std::string kFound = "DEBUG 451:Found device with serial ";
 
 // The log is followed by the serial number that the call leaves.
 Outcome search(unsigned long serial) {
-  Outcome outcome = outcomeOf(
-      [&serial] { return ardo::IRCalibrationManager::getInstance()->findSerial(serial); });
+  Outcome outcome = outcomeOf([&serial] {
+    const bool found = ardo::IRCalibrationManager::getInstance()->findSerial(serial);
+    EXPECT_TRUE(found || serial == 0 || errno == 0);
+    return found;
+  });
   outcome.second.push_back(std::to_string(serial));
   return outcome;
 }
@@ -60,6 +63,7 @@ TEST_F(CameraDiscoveryTest, FirstListedCameraOrTheOneAskedFor) {
 }
 
 TEST_F(CameraDiscoveryTest, AttributesAreTakenToTheLetter) {
+  const std::string held = support::outputOf("ls /proc/$PPID/fd");
   const std::vector<std::tuple<std::string, std::string, Lines>> rows = {
       {"serial", "0123abc\n", {kFound + "0123abc", "123"}},
       {"serial", "  77\n", {kFound + "  77", "77"}},
@@ -86,6 +90,7 @@ TEST_F(CameraDiscoveryTest, AttributesAreTakenToTheLetter) {
   }
   usb::writeDevice(kDevices + "1-1", camera(std::string(1 << 20, '9')));
   EXPECT_EQ(search(0).second.back(), std::to_string(ULONG_MAX));
+  EXPECT_EQ(support::outputOf("ls /proc/$PPID/fd"), held);
 }
 
 // As when a device is unplugged meanwhile: a device is listed that is not there any more. Here the

@@ -37,10 +37,12 @@ TEST_F(Manager, Transcript) {
   // Counts when the size is below 0, else fills a list of just that size.
   on["pass"] = [&](auto& a) {
     int size = a[2];
-    std::unique_ptr<char[]> list(size < 0 ? nullptr : new char[static_cast<std::size_t>(size)]);
-    const bool whole = manager.checkCaliFiles(a[0], a[1], list.get(), &size, "Cali-%i.xml",
-                                              "Cali-%s.dat", "Kennlinie-%s.prn", "::");
-    return list != nullptr && size > 0 ? shown(whole, size, list.get()) : shown(whole, size);
+    std::string room(static_cast<std::size_t>(std::max(size, 0)) + 1, '#');
+    char* const list = size < 0 ? nullptr : room.data();
+    const bool whole = manager.checkCaliFiles(a[0], a[1], list, &size, "Cali-%i.xml", "Cali-%s.dat",
+                                              "Kennlinie-%s.prn", "::");
+    EXPECT_EQ(room.back(), '#');
+    return list != nullptr && size > 0 ? shown(whole, size, list) : shown(whole, size);
   };
   on["copy"] = [&](auto& a) {
     bool whole = false;

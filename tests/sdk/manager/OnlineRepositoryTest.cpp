@@ -78,6 +78,7 @@ TEST_F(OnlineRepositoryTest, FilesThatTheServerLacksCountAsStarted) {
   publish("12345678", {*sample.find("Cali-12345678.xml")});
   EXPECT_EQ(download(kSerial), Outcome(true, {kComplete}));
   EXPECT_EQ(contentsOf(cali_).size(), sample.size());
+  EXPECT_EQ(requests().size(), 3 * 2 + 2 + sample.size());  // three passes, and then two
 }
 
 // The half file stays, and the next pass finds no server.
