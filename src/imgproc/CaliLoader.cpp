@@ -30,7 +30,7 @@ namespace cali {
 
 namespace {
 
-constexpr const char* kSource = "Cali";
+constexpr const char* kCaliSource = "Cali";
 constexpr const char* kRoot = "CaliData";
 constexpr int kLineAlreadyLoaded = 71;
 constexpr int kLineSerialChanged = 76;
@@ -308,14 +308,16 @@ std::optional<Records> readFile(const MainSection& before, const char* path, cha
 
 unsigned int loadFile(ConfigCali& calibration, const char* path, int serial) {
   std::string name = "Cali-" + std::to_string(serial);
-  ardo::logMessage(ardo::kLogDebug, kSource, kLineDirectory, "Calibration directory path: ", path);
-  ardo::logMessage(ardo::kLogDebug, kSource, kLineFileName, "Calibration file name: ", name.data());
+  ardo::logMessage(ardo::kLogDebug, kCaliSource, kLineDirectory,
+                   "Calibration directory path: ", path);
+  ardo::logMessage(ardo::kLogDebug, kCaliSource, kLineFileName,
+                   "Calibration file name: ", name.data());
 
   std::optional<Records> records = readFile(*calibration.mainSection, path, name.data());
   if (!records) return kAccessDenied;
   setOptics(*calibration.opticsList, records->opticsList);
   *calibration.mainSection = records->main;
-  ardo::logMessage(ardo::kLogDebug, kSource, kLineTec,
+  ardo::logMessage(ardo::kLogDebug, kCaliSource, kLineTec,
                    "Calibration data A: ", calibration.mainSection->TecA,
                    " B:", calibration.mainSection->TecB, " C:", calibration.mainSection->TecC,
                    " D:", calibration.mainSection->TecD);
@@ -330,12 +332,12 @@ unsigned int loadFile(ConfigCali& calibration, const char* path, int serial) {
 
 unsigned int ConfigCali::load(const char* path, int wanted) {
   if (isLoaded(wanted)) {
-    ardo::logMessage(ardo::kLogDebug, cali::kSource, cali::kLineAlreadyLoaded,
+    ardo::logMessage(ardo::kLogDebug, cali::kCaliSource, cali::kLineAlreadyLoaded,
                      "Calibration XML file already loaded.");
     return cali::kSuccess;
   }
   if (loaded) {
-    ardo::logMessage(ardo::kLogDebug, cali::kSource, cali::kLineSerialChanged,
+    ardo::logMessage(ardo::kLogDebug, cali::kCaliSource, cali::kLineSerialChanged,
                      "Serial number has changed (", wanted, "), reload Calibration XML.");
   }
   return ardo::withoutThrowing(cali::kAccessDenied, [&] {

@@ -10,7 +10,7 @@ namespace ardo {
 
 namespace {
 
-constexpr const char* kSource = "IRDeviceParams";
+constexpr const char* kParamsSource = "IRDeviceParams";
 constexpr int kLineDeprecated = 128;
 constexpr int kLineNotFound = 141;
 constexpr int kLineParameters = 146;  // the values follow, a line each
@@ -70,7 +70,7 @@ void readAutoFlag(SimpleXML& document, IRDeviceParams& params) {
 // The key of former versions is read first, so that the new one wins when both are there.
 void readProcessInterface(SimpleXML& document, IRDeviceParams& params) {
   if (document.getInt("pifmode", &params.pifInMode)) {
-    logMessage(kLogWarning, kSource, kLineDeprecated,
+    logMessage(kLogWarning, kParamsSource, kLineDeprecated,
                "XML parameter 'pifmode' is deprecated, please use 'pif_in_mode' instead.");
   }
   document.getInt("pif_in_mode", &params.pifInMode);
@@ -100,9 +100,9 @@ bool readDocument(SimpleXML& document, IRDeviceParams& params) {
 
 void logParameters(const IRDeviceParams& params) {
   int line = kLineParameters;
-  logMessage(kLogDebug, kSource, line, "Parameters");
+  logMessage(kLogDebug, kParamsSource, line, "Parameters");
   const auto logValue = [&line](const char* label, const auto& value) {
-    logMessage(kLogDebug, kSource, ++line, label, value);
+    logMessage(kLogDebug, kParamsSource, ++line, label, value);
   };
   logValue("serial: ", params.serial);
   logValue("videoformatindex: ", params.videoFormatIndex);
@@ -130,7 +130,7 @@ bool IRDeviceParamsReader::readXML(const char* file, IRDeviceParams& params) {
   setReaderDefaults(params);
   SimpleXML document;
   if (!document.open(file, "imager") || !document.hasRoot() || !readDocument(document, params)) {
-    logMessage(kLogError, kSource, kLineNotFound, "Cannot find configuration file ", file,
+    logMessage(kLogError, kParamsSource, kLineNotFound, "Cannot find configuration file ", file,
                " ... aborting");
     return false;
   }

@@ -19,7 +19,7 @@ namespace ardo {
 
 namespace {
 
-constexpr const char* kSource = "IRCalibrationManager";
+constexpr const char* kDiscoverySource = "IRCalibrationManager";
 constexpr int kLineQuery = 380;
 constexpr int kLineNotEntered = 391;
 constexpr int kLineNotOpened = 400;
@@ -58,7 +58,7 @@ bool isDevice(const std::string& name) {
   struct stat status {};
   if (lstat(name.c_str(), &status) != 0) {
     const std::string error = errorText();
-    logMessage(kLogDebug, kSource, kLineNoStatus, "errno: ", error, " ", name);
+    logMessage(kLogDebug, kDiscoverySource, kLineNoStatus, "errno: ", error, " ", name);
     return false;
   }
   return S_ISLNK(status.st_mode);
@@ -71,7 +71,7 @@ std::optional<unsigned long> readCameraSerial(const std::string& device) {
   if (vendor != kVendorId || product != kProductId) return std::nullopt;
   const auto serial = readAttribute(device, "serial");
   if (!serial) return std::nullopt;
-  logMessage(kLogDebug, kSource, kLineFound, "Found device with serial ", *serial);
+  logMessage(kLogDebug, kDiscoverySource, kLineFound, "Found device with serial ", *serial);
   return std::strtoul(serial->c_str(), nullptr, 10);
 }
 
@@ -87,11 +87,11 @@ unsigned long searchCamera(DIR* directory, unsigned long wanted) {
 }
 
 bool searchTree(unsigned long& serial) {
-  logMessage(kLogDebug, kSource, kLineQuery, "Query directory ", kDeviceDirectory);
+  logMessage(kLogDebug, kDiscoverySource, kLineQuery, "Query directory ", kDeviceDirectory);
   errno = 0;
   if (chdir(kDeviceDirectory) != 0) {
     const std::string error = errorText();
-    logMessage(kLogError, kSource, kLineNotEntered, "Query directory ", kDeviceDirectory,
+    logMessage(kLogError, kDiscoverySource, kLineNotEntered, "Query directory ", kDeviceDirectory,
                " could not be opened: ", error);
     errno = 0;
     return false;
@@ -100,7 +100,8 @@ bool searchTree(unsigned long& serial) {
   const Directory directory(opendir(kDeviceDirectory));
   if (directory == nullptr) {
     const std::string error = errorText();
-    logMessage(kLogError, kSource, kLineNotOpened, "Failed to open usb device directory: ", error);
+    logMessage(kLogError, kDiscoverySource, kLineNotOpened,
+               "Failed to open usb device directory: ", error);
     errno = 0;
     return false;
   }

@@ -20,7 +20,7 @@ namespace ardo {
 
 namespace {
 
-constexpr const char* kSource = "IRCalibrationManager";
+constexpr const char* kRepositorySource = "IRCalibrationManager";
 constexpr int kLineNotPermitted = 520;
 constexpr int kLineWriteTestFailed = 524;
 constexpr int kLineNoSerial = 538;
@@ -65,7 +65,7 @@ Links collectLinks(SimpleXML& document) {
 bool readLinks(Links& links) {
   SimpleXML document;
   if (!document.open(kLinksFile, "DownloadLinks") || !document.hasRoot()) {
-    logMessage(kLogError, kSource, kLineLinksUnreadable, "Error reading ", kLinksFile);
+    logMessage(kLogError, kRepositorySource, kLineLinksUnreadable, "Error reading ", kLinksFile);
     return false;
   }
   document.setNode();
@@ -74,7 +74,7 @@ bool readLinks(Links& links) {
   if (complete) links = collectLinks(document);
   std::remove(kLinksFile);
   if (!complete) {
-    logMessage(kLogError, kSource, kLineLinksIncomplete,
+    logMessage(kLogError, kRepositorySource, kLineLinksIncomplete,
                "Error parsing download links file: ", kLinksFile);
   }
   return complete;
@@ -99,9 +99,10 @@ bool testWriting(const std::string& directory) {
   if (file == nullptr) {
     const int error = errno;
     if (error == EACCES) {
-      logMessage(kLogError, kSource, kLineNotPermitted, "No writing permissions to ", directory);
+      logMessage(kLogError, kRepositorySource, kLineNotPermitted, "No writing permissions to ",
+                 directory);
     } else {
-      logMessage(kLogError, kSource, kLineWriteTestFailed,
+      logMessage(kLogError, kRepositorySource, kLineWriteTestFailed,
                  "Something went wrong: ", static_cast<const char*>(std::strerror(error)));
     }
     return false;
@@ -129,7 +130,7 @@ void downloadFiles(const std::string& files, const std::string& serialText,
     started |= taken;
     // Files that fail after one that was started are left to the next check.
     if (!started) {
-      logMessage(kLogError, kSource, kLineFileFailed, "Error downloading ", address);
+      logMessage(kLogError, kRepositorySource, kLineFileFailed, "Error downloading ", address);
     }
   }
 }
@@ -147,7 +148,7 @@ bool IRCalibrationManager::downloadTarget(char* fileList, std::string serialText
 bool IRCalibrationManager::downloadCalibration(unsigned long serial) {
   if (!withoutThrowing(false, [&] { return testWriting(_calibrationDir); })) return false;
   if (serial == 0) {
-    logMessage(kLogError, kSource, kLineNoSerial, "No serial number specified.");
+    logMessage(kLogError, kRepositorySource, kLineNoSerial, "No serial number specified.");
     return false;
   }
   constexpr int kPasses = 3;
@@ -155,7 +156,7 @@ bool IRCalibrationManager::downloadCalibration(unsigned long serial) {
     errno = 0;
     const std::unique_ptr<char[]> missing(checkCalibration(serial));
     if (missing == nullptr && errno == 0) {
-      logMessage(kLogInfo, kSource, kLineAllInstalled, "All files installed.");
+      logMessage(kLogInfo, kRepositorySource, kLineAllInstalled, "All files installed.");
       return true;
     }
     const bool started =
@@ -163,7 +164,7 @@ bool IRCalibrationManager::downloadCalibration(unsigned long serial) {
           return downloadTarget(missing.get(), std::to_string(serial), _calibrationDir);
         });
     if (!started) {
-      logMessage(kLogInfo, kSource, kLineDownloadFailed, "Download failed.");
+      logMessage(kLogInfo, kRepositorySource, kLineDownloadFailed, "Download failed.");
       return false;
     }
   }

@@ -15,7 +15,7 @@ namespace ardo {
 
 namespace {
 
-constexpr const char* kSource = "SimpleXML";
+constexpr const char* kReaderSource = "SimpleXML";
 constexpr int kLineOpenFailed = 72;
 constexpr int kLineBrokenText = 134;
 constexpr int kLineBrokenComments = 135;
@@ -33,7 +33,7 @@ bool SimpleXML::open(const char* file, const char* root) {
                                [&] { return readDocumentText(file, root); });
   }
   if (!document) {
-    logMessage(kLogDebug, kSource, kLineOpenFailed, "Failed to open file ", file);
+    logMessage(kLogDebug, kReaderSource, kLineOpenFailed, "Failed to open file ", file);
     return false;
   }
 
@@ -48,8 +48,8 @@ bool SimpleXML::open(const char* file, const char* root) {
   const std::optional<std::int32_t> cutLength = cutComments(buffer, length);
   textLength_ = cutLength.value_or(length);
   if (!cutLength) {
-    logMessage(kLogError, kSource, kLineBrokenText, static_cast<const char*>(buffer));
-    logMessage(kLogError, kSource, kLineBrokenComments, "Format of file ", file,
+    logMessage(kLogError, kReaderSource, kLineBrokenText, static_cast<const char*>(buffer));
+    logMessage(kLogError, kReaderSource, kLineBrokenComments, "Format of file ", file,
                " is wrong. Verify, that the XML document is well-formed!");
   }
   return cutLength.has_value();
