@@ -8,12 +8,12 @@ using support::outputOf;
 
 // What a sanitizer adds begins with two underscores, or is the type of a function.
 TEST(Process, ExportsTheDocumentedNamesAndNeedsTheRuntimeOnly) {
-  EXPECT_EQ(outputOf("nm -DC --defined-only '" LIBRARY_FILE
-                     "' | cut -d ' ' -f 3- | grep -vE '^__|^typeinfo.*\\)$' | LC_ALL=C sort -u"),
+  EXPECT_EQ(outputOf(NM " -DC --defined-only '" LIBRARY_FILE
+                        "' | cut -d ' ' -f 3- | grep -vE '^__|^typeinfo.*\\)$' | LC_ALL=C sort -u"),
             support::readFile(EXPORTED_SYMBOLS));
-  EXPECT_EQ(outputOf("ldd '" LIBRARY_FILE
-                     "' | grep -oE '^.lib[a-z_+]+' | grep -vE '(a|ub)san' | LC_ALL=C sort"),
-            "\tlibc\n\tlibgcc_s\n\tlibm\n\tlibstdc++\n");
+  EXPECT_EQ(outputOf("readelf -d '" LIBRARY_FILE "' | grep NEEDED | grep -oE '\\[[a-z_+-]+' | "
+                     "grep -vE '(a|ub)san|\\[ld|libm$' | LC_ALL=C sort"),
+            "[libc\n[libgcc_s\n[libstdc++\n");
 }
 
 TEST(Process, LoadsAndUnloadsWithoutATrace) {
