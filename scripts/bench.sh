@@ -6,8 +6,8 @@
 #   scripts/bench.sh GROUP...   measures these groups of workloads and writes nothing
 #   scripts/bench.sh --quick    runs every workload once, on tiny files, and writes nothing
 #
-# The groups are those of "kalvista_bench --list", and "acquisition". MEASURE_UNDER is a command that
-# runs each group, such as "taskset 2" or one that keeps other work away.
+# The groups are those of "kalvista_bench --list", "acquisition" and "mirror". MEASURE_UNDER is a
+# command that runs each group, such as "taskset 2" or one that keeps other work away.
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -63,7 +63,9 @@ fi
 measure() {
   step "Measuring $1"
   local command=("$build/bench/kalvista_bench" --only "$1" --packages "$(versions)" --markdown)
-  if [[ $1 == acquisition ]]; then command=(bench/acquisition.sh "$build/kalvista"); fi
+  case $1 in
+    acquisition | mirror) command=(bench/acquisition.sh "$1" "$build/kalvista") ;;
+  esac
   # shellcheck disable=SC2086  # the command before may have arguments
   ${MEASURE_UNDER:-} "${command[@]}" "$work/$1.md"
 }
@@ -72,7 +74,7 @@ measure() {
 joined() {
   awk '
     FNR == 1 { section = 0; rows = 0 }
-    /^### / { ++section }
+    /^### / { section += 1 + (section == 0 && !/Targets/) }
     section > 1 { rest = rest $0 "\n"; next }
     section == 1 && /^\|/ && ++rows > 2 { targets = targets $0 "\n"; next }
     NR == FNR && !(rows && /^$/) { head = head $0 "\n" }
@@ -84,7 +86,7 @@ if [[ ${#groups[@]} -gt 0 ]]; then
   exit
 fi
 mapfile -t groups < <("$build/bench/kalvista_bench" --list)
-groups+=(acquisition)
+groups+=(acquisition mirror)
 for group in "${groups[@]}"; do measure "$group"; done
 
 [[ $(grep -c '<!-- measured: \(begin\|end\) -->' "$page") == 2 ]] ||

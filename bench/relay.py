@@ -1,31 +1,13 @@
 #!/usr/bin/env python3
-"""distant_server.py FOLDER PORT MILLISECONDS: serves a folder by HTTP/1.1 with connections that are
-kept, as a server does to which a round trip takes so long. A kernel may lack delays of its own, so
-a relay holds what goes either way for half the time, and the first bytes of a connection for a
-whole round trip more, which its opening would take."""
+"""relay.py PORT SERVER_PORT MILLISECONDS: passes on what comes to a port of 127.0.0.1 as if the
+server were a round trip of that time away. A kernel may have no delays to offer, so what goes
+either way is held back for half the time, and the first bytes of a connection for a whole round
+trip more, which its opening would take."""
 
 import asyncio
-import functools
-import http.server
 import sys
-import threading
 
 PIECE = 1 << 16
-
-
-class Handler(http.server.SimpleHTTPRequestHandler):
-    protocol_version = "HTTP/1.1"
-    wbufsize = -1  # head and body in one piece
-
-    def log_message(self, *_):
-        pass
-
-
-def serve(folder, port):
-    handler = functools.partial(Handler, directory=folder)
-    server = http.server.ThreadingHTTPServer(("127.0.0.1", port), handler)
-    threading.Thread(target=server.serve_forever, daemon=True).start()
-    return server.server_address[1]
 
 
 async def carry(reader, writer, first_delay, delay):
@@ -66,13 +48,4 @@ async def relay(port, server_port, delay):
         await listener.serve_forever()
 
 
-def main():
-    folder, port, milliseconds = sys.argv[1], int(sys.argv[2]), float(sys.argv[3])
-    if milliseconds == 0:
-        serve(folder, port)
-        threading.Event().wait()
-    asyncio.run(relay(port, serve(folder, 0), milliseconds / 2000))
-
-
-if __name__ == "__main__":
-    main()
+asyncio.run(relay(int(sys.argv[1]), int(sys.argv[2]), float(sys.argv[3]) / 2000))
