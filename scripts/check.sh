@@ -39,7 +39,7 @@ format() {
 
 # A floor uses itself and those before it in its house; what is joined by "|" stands side by side.
 library_floors=(sdk/text sdk/log sdk/places sdk/xml 'sdk/device|imgproc' sdk/manager)
-tool_floors=(answer machine 'camera|lint' acquisition commands)
+tool_floors=(answer machine 'camera|lint' diagnosis acquisition commands)
 floors() {
   floors_hold "$root/src" "${library_floors[@]}"
   floors_hold "$root/tools/kalvista" "${tool_floors[@]}"

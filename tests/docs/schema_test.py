@@ -15,9 +15,10 @@ COMMANDS = """
 version | cameras | serial | serial 99 | doctor | check 12345678 | optics 12345678 | download 12345678
 download 99 | copy 12345678 /media/usb | copy 99 /media/usb | copy 99 nowhere | check 99 --explain
 check 12345678 --explain | optics 12345678 | config 12345678 | config 12345678 -o new.xml
-config 12345678 -o imager.xml | params imager.xml | params nowhere.xml | lint imager.xml
-lint downloadlinks.xml | lint nowhere.xml | setup | setup --all | doctor 12345678
-seal 12345678 | seal 99 | mirror . --serials serials --from /media/usb | mirror . --serials nowhere
+config 12345678 -o imager.xml | config 12345678 --fov 7 | check 12345678 --config imager.xml
+params imager.xml | params nowhere.xml | lint imager.xml | lint downloadlinks.xml | lint nowhere.xml
+setup | setup --all | doctor 12345678 | seal 12345678 | seal 99
+mirror . --serials serials --from /media/usb | mirror . --serials nowhere
 """
 
 

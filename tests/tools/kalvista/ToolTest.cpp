@@ -87,7 +87,7 @@ TEST_F(ToolTest, SetupTwiceChangesNothing) {
     const ToolRun first = run(setup);
     EXPECT_EQ(first.exitCode, 0) << first.err;
     EXPECT_THAT(first.out, HasSubstr("34 files added, configuration written"));
-    support::writeFile("new/config-12345678.xml", sampleConfiguration);
+    run("config 12345678 --fov 60 --force -o new/config-12345678.xml --calibration-dir new");
     EXPECT_EQ(contentsOf("new").size(), sample.size() + 1);
     const std::string before = stateOf("new");
     EXPECT_THAT(run(setup).out, HasSubstr("nothing had to be changed"));

@@ -62,6 +62,14 @@ std::string bytesText(std::uintmax_t bytes) {
   return text;
 }
 
+std::string listText(const std::vector<unsigned long>& numbers) {
+  std::string text;
+  for (const unsigned long number : numbers) {
+    text += (text.empty() ? "" : ", ") + std::to_string(number);
+  }
+  return text;
+}
+
 void Table::add(std::vector<std::string> row) {
   for (std::string& cell : row) cell = printable(cell);
   rows_.push_back(std::move(row));

@@ -39,6 +39,8 @@ std::string numberText(float number);
 
 // "1 file", "3 files".
 std::string countText(std::size_t count, const std::string& thing);
+// "12345678, 5"
+std::string listText(const std::vector<unsigned long>& numbers);
 
 // "512 bytes", "1.5 MB".
 std::string bytesText(std::uintmax_t bytes);

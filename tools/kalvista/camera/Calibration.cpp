@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdlib>
+#include <filesystem>
 #include <iterator>
 #include <map>
 #include <string_view>
@@ -155,6 +157,20 @@ std::string calibrationXmlName(unsigned long serial) {
 
 std::string calibrationXmlPath(const std::string& directory, unsigned long serial) {
   return directory + "/" + calibrationXmlName(serial);
+}
+
+std::vector<unsigned long> calibratedSerials(const std::string& directory) {
+  constexpr std::string_view kPrefix = "Cali-";
+  std::vector<unsigned long> serials;
+  std::error_code error;
+  for (const auto& entry : std::filesystem::directory_iterator(directory, error)) {
+    const std::string name = entry.path().filename();
+    if (name.compare(0, kPrefix.size(), kPrefix) != 0) continue;
+    const unsigned long serial = std::strtoul(name.c_str() + kPrefix.size(), nullptr, 10);
+    if (serial != 0 && name == calibrationXmlName(serial)) serials.push_back(serial);
+  }
+  std::sort(serials.begin(), serials.end());
+  return serials;
 }
 
 std::unique_ptr<ConfigCali> loadCalibration(const std::string& directory, unsigned long serial) {

@@ -34,6 +34,8 @@ struct CalibrationStatus {
 
 std::string calibrationXmlName(unsigned long serial);
 std::string calibrationXmlPath(const std::string& directory, unsigned long serial);
+// Of the calibration XML files in a directory, in rising order.
+std::vector<unsigned long> calibratedSerials(const std::string& directory);
 
 // A model of its own, read anew each time: the library's one instance keeps what it has once
 // loaded, even when the file was replaced. Null when the file cannot be loaded.

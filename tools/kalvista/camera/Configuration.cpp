@@ -32,11 +32,14 @@ std::unique_ptr<Configuration> readAs(const std::string& source, const std::stri
     failToRead(source, std::string("it has no root element \"") + kRoot + "\"");
   }
   auto configuration = std::make_unique<Configuration>();
+  configuration->text = readFile(path);
   if (!ardo::IRDeviceParamsReader::readXML(path.c_str(), configuration->values)) {
     failToRead(source, "it changed meanwhile");
   }
   return configuration;
 }
+
+Json textOrNull(const char* text) { return text != nullptr ? Json(text) : Json(); }
 
 }  // namespace
 
@@ -52,6 +55,29 @@ std::unique_ptr<Configuration> readConfiguration(const std::string& path) {
   }
   requireFileReadable(path, "configuration file");
   return readAs("the file " + path, path);
+}
+
+Json valuesDocument(const ardo::IRDeviceParams& values) {
+  return {{"serial", values.serial},
+          {"fov", values.fov},
+          {"opticsText", textOrNull(values.opticsText)},
+          {"formatsPath", textOrNull(values.formatsPath)},
+          {"caliPath", textOrNull(values.caliPath)},
+          {"tMin", values.tMin},
+          {"tMax", values.tMax},
+          {"framerate", values.framerate},
+          {"videoFormatIndex", values.videoFormatIndex},
+          {"bispectral", values.bispectral},
+          {"average", values.average},
+          {"autoFlag", values.autoFlag},
+          {"minInterval", values.minInterval},
+          {"maxInterval", values.maxInterval},
+          {"pifInMode", values.pifInMode},
+          {"pifOutMode", values.pifOutMode},
+          {"pifOutVoltage", values.pifOutVoltage},
+          {"tChipMode", values.tChipMode},
+          {"tChipFixedValue", values.tChipFixedValue},
+          {"focus", values.focus}};
 }
 
 std::string defaultDocument(const CommonOptions& common, unsigned long serial) {

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "answer/Output.h"
 #include "machine/CommonOptions.h"
 
 namespace tool {
@@ -19,11 +20,15 @@ struct Configuration {
   Configuration& operator=(const Configuration&) = delete;
 
   ardo::IRDeviceParams values{};
+  std::string text;  // of the file
 };
 
 // Of a path or, for kStandardStream, of standard input. A Failure when that cannot be read or is no
 // configuration.
 std::unique_ptr<Configuration> readConfiguration(const std::string& path);
+
+// In the order of the record, under the names of its fields.
+Json valuesDocument(const ardo::IRDeviceParams& values);
 
 // Warns when there is no calibration to take the optics from.
 std::string defaultDocument(const CommonOptions& common, unsigned long serial);

@@ -9,6 +9,7 @@
 #include "camera/Configuration.h"
 #include "commands/Commands.h"
 #include "commands/WebOptions.h"
+#include "diagnosis/ConfigurationCheck.h"
 #include "machine/Files.h"
 #include "machine/Paths.h"
 #include "machine/Usb.h"
@@ -57,13 +58,12 @@ bool provideConfiguration(const CommonOptions& common, unsigned long serial,
   if (std::error_code error; !std::filesystem::exists(path, error)) {
     return writeDocument(path, defaultDocument(common, serial), false);
   }
-  const auto configured = readConfiguration(path)->values.serial;
-  if (configured != 0 && configured != serial) {
-    throw Failure(ExitCode::AnswerIsNo,
-                  "the calibration of camera " + std::to_string(serial) +
-                      " is complete, but the configuration " + path + " is for camera " +
-                      std::to_string(configured) +
-                      "; name another file with --config, or change its serial number");
+  const ConfigurationCheck check =
+      checkConfiguration(common, serial, path, *readConfiguration(path));
+  const std::string problem = problemOf(check);
+  if (!problem.empty()) {
+    throw Failure(ExitCode::AnswerIsNo, "the calibration of camera " + std::to_string(serial) +
+                                            " is complete, but " + problem);
   }
   return false;
 }
@@ -158,14 +158,6 @@ Answer setUpEach(const CommonOptions& common, const OwnOptions& own,
   return all;
 }
 
-std::string listed(const std::vector<unsigned long>& serials) {
-  std::string text;
-  for (const unsigned long serial : serials) {
-    text += (text.empty() ? "" : ", ") + std::to_string(serial);
-  }
-  return text;
-}
-
 Answer run(const CommonOptions& common, const OwnOptions& own) {
   if (own.serial != 0) return setUp(common, own, own.serial);
   const UsbSearch search = findCamera(0);
@@ -177,7 +169,7 @@ Answer run(const CommonOptions& common, const OwnOptions& own) {
   if (own.all) return setUpEach(common, own, serials);
   if (serials.size() > 1) {
     throw Failure(ExitCode::AnswerIsNo,
-                  countText(serials.size(), "camera") + " are attached: " + listed(serials) +
+                  countText(serials.size(), "camera") + " are attached: " + listText(serials) +
                       "; give the number of one, or make all ready with \"kalvista setup --all\"");
   }
   note("camera " + std::to_string(search.serial) + " is attached");

@@ -7,8 +7,9 @@
 #include <string>
 
 namespace tool {
+namespace {
 
-std::size_t countDefaultRoutes() {
+std::size_t countDefaultRoutes4() {
   std::ifstream table("/proc/net/route");
   table.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
   std::size_t count = 0;
@@ -25,5 +26,26 @@ std::size_t countDefaultRoutes() {
   }
   return count;
 }
+
+// The kernel keeps an unreachable one on the loopback where there is none.
+std::size_t countDefaultRoutes6() {
+  std::ifstream table("/proc/net/ipv6_route");
+  std::size_t count = 0;
+  std::string destination;
+  std::string rest;
+  std::string interface;
+  unsigned length = 0;
+  unsigned flags = 0;
+  while (table >> destination >> std::hex >> length >> rest >> rest >> rest >> rest >> rest >>
+         rest >> flags >> interface) {
+    const bool isUsable = (flags & RTF_UP) != 0 && (flags & RTF_REJECT) == 0;
+    if (length == 0 && isUsable && destination.find_first_not_of('0') == std::string::npos) ++count;
+  }
+  return count;
+}
+
+}  // namespace
+
+std::size_t countDefaultRoutes() { return countDefaultRoutes4() + countDefaultRoutes6(); }
 
 }  // namespace tool

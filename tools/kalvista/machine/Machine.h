@@ -6,7 +6,7 @@
 
 namespace tool {
 
-// IPv4 default routes that are up.
+// Default routes that are up, of IPv4 and IPv6.
 std::size_t countDefaultRoutes();
 
 }  // namespace tool

@@ -7,8 +7,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <map>
-#include <sstream>
 
 #include "answer/Failure.h"
 
@@ -100,33 +98,6 @@ void refuseShellCharacters(const std::string& path, const std::string& what) {
                 "the " + what + " \"" + path + "\" holds " + describe(*offender) +
                     ", which the command interpreter would act on; rename it or use a link to it "
                     "with a plain name");
-}
-
-std::string findProgram(const std::string& name) {
-  if (name.find('/') != std::string::npos) return access(name.c_str(), X_OK) == 0 ? name : "";
-  const char* searchPath = std::getenv("PATH");
-  std::istringstream directories(searchPath != nullptr ? searchPath : "/usr/bin:/bin");
-  for (std::string directory; std::getline(directories, directory, ':');) {
-    std::string candidate = directory + "/" + name;
-    std::error_code error;
-    if (access(candidate.c_str(), X_OK) == 0 && fs::is_regular_file(candidate, error)) {
-      return candidate;
-    }
-  }
-  return "";
-}
-
-void requireProgram(const std::string& name) {
-  if (!findProgram(name).empty()) return;
-  throw Failure(ExitCode::CouldNot,
-                "the program " + name + " is not installed; " + installText(name));
-}
-
-std::string installText(const std::string& program) {
-  static const std::map<std::string, std::string> packages = {
-      {"find", "findutils"}, {"cp", "coreutils"}, {"/sbin/route", "net-tools"}};
-  const auto package = packages.find(program);
-  return "install the package " + (package != packages.end() ? package->second : program);
 }
 
 }  // namespace tool

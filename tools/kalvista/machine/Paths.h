@@ -22,12 +22,6 @@ std::string userConfigurationDir();
 // The library hands some paths to the command interpreter without quotes.
 void refuseShellCharacters(const std::string& path, const std::string& what);
 
-// The file of a program, looked for as the command interpreter does; empty when there is none.
-std::string findProgram(const std::string& name);
-// The program must be installed.
-void requireProgram(const std::string& name);
-std::string installText(const std::string& program);  // how to get it
-
 }  // namespace tool
 
 #endif  // KALVISTA_TOOL_PATHS_H

@@ -1,0 +1,57 @@
+// The temperature ranges of a camera's optics as bars on one scale in °C.
+#ifndef KALVISTA_TOOL_OPTICS_PICTURE_H
+#define KALVISTA_TOOL_OPTICS_PICTURE_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "answer/Output.h"
+
+namespace tool {
+
+// From round number to round number, around all temperatures.
+class TemperatureScale {
+ public:
+  TemperatureScale(double lowest, double highest);
+  std::vector<double> ticks() const;
+  double fractionOf(double temperature) const { return (temperature - begin_) / (end_ - begin_); }
+
+ private:
+  double step_ = 1;
+  double begin_ = 0;
+  double end_ = 1;
+};
+
+struct Bar {
+  double begin = 0;  // fractions of the scale
+  double end = 0;
+};
+
+struct PictureRow {
+  std::string label;       // "-20 to 100 °C"
+  std::string framerates;  // "27, 32, 80"
+  std::optional<Bar> calibrated;
+  std::optional<Bar> extended;
+  std::optional<Bar> configured;
+  std::string note;  // what is configured; empty for other ranges
+};
+
+struct OpticsPicture {
+  std::string label;  // "33 macro"
+  std::vector<PictureRow> rows;
+};
+
+struct CameraPicture {
+  TemperatureScale scale;
+  std::vector<OpticsPicture> optics;
+};
+
+// `optics` as in the answers of the tool; `params` are the values of a configuration, or null.
+CameraPicture pictureOf(const Json& optics, const Json& params);
+
+std::string chartText(const CameraPicture& picture);
+
+}  // namespace tool
+
+#endif  // KALVISTA_TOOL_OPTICS_PICTURE_H
