@@ -21,10 +21,10 @@ plain_build() {
 
 # With nothing but a compiler and CMake there is still a library, and a message for the rest.
 library_alone() {
-  cmake -S "$root" -B "$work/alone" -DKALVISTA_BUILD_TESTS=ON -DCMAKE_DISABLE_FIND_PACKAGE_{CLI11,nlohmann_json,GTest}=TRUE \
+  cmake -S "$root" -B "$work/alone" -DKALVISTA_BUILD_TESTS=ON -DCMAKE_DISABLE_FIND_PACKAGE_{CLI11,nlohmann_json,GTest}=TRUE -DKALVISTA_MUSTACHE_DIR='' \
     2>&1 | tee "$work/alone.log"
   local package
-  for package in libcli11-dev nlohmann-json3-dev libgtest-dev; do
+  for package in libcli11-dev libkainjow-mustache-dev nlohmann-json3-dev libgtest-dev; do
     grep -q "$package" "$work/alone.log" || die "no message names $package"
   done
   cmake --build "$work/alone" --parallel "$(nproc)"
@@ -39,7 +39,7 @@ format() {
 
 # A floor uses itself and those before it in its house; what is joined by "|" stands side by side.
 library_floors=(sdk/text sdk/log sdk/places sdk/xml 'sdk/device|imgproc' sdk/manager)
-tool_floors=(answer machine 'camera|lint' diagnosis acquisition commands)
+tool_floors=(answer machine 'camera|lint' diagnosis 'acquisition|report' commands)
 floors() {
   floors_hold "$root/src" "${library_floors[@]}"
   floors_hold "$root/tools/kalvista" "${tool_floors[@]}"

@@ -68,10 +68,11 @@ is_installed() {
 # shellcheck disable=SC2034
 build_packages=('g++|clang' make cmake)
 # shellcheck disable=SC2034
-tool_packages=(libcli11-dev libcurl4-openssl-dev libexpat1-dev libssl-dev nlohmann-json3-dev wget net-tools)
+tool_packages=(libcli11-dev libcurl4-openssl-dev libexpat1-dev libkainjow-mustache-dev libssl-dev nlohmann-json3-dev wget net-tools)
 # shellcheck disable=SC2034
 test_packages=(g++ clang 'libclang-rt-dev|libclang-rt-14-dev' ninja-build libgtest-dev libgmock-dev binutils util-linux mount iproute2
-  nginx-light openssl ca-certificates python3 python3-jsonschema ansible-core zsh fish groff-base locales systemd udev libxml2-utils)
+  nginx-light openssl ca-certificates python3 python3-jsonschema ansible-core zsh fish groff-base locales systemd udev libxml2-utils
+  chromium chromium-driver python3-selenium fonts-dejavu-core)
 # shellcheck disable=SC2034
 check_packages=(clang-format clang-tidy libc++-dev libc++abi-dev shellcheck valgrind 'pkgconf|pkg-config' python3)
 # shellcheck disable=SC2034
@@ -81,8 +82,8 @@ python_packages=(python3-dev python3-venv python3-pip python3-pybind11 python3-s
 # make_sysroot ARCH DIRECTORY: fetches what library, tool and tests are linked with for that processor
 # into DIRECTORY/sysroot, and writes DIRECTORY/toolchain.cmake for CMake. This machine's own packages
 # stay as they are. Sets "emulator" to the command that runs a program of that processor.
-sysroot_packages=(libc6-dev libstdc++6 libcli11-dev libcurl4-openssl-dev libexpat1-dev libssl-dev nlohmann-json3-dev
-  libgtest-dev libgmock-dev)
+sysroot_packages=(libc6-dev libstdc++6 libcli11-dev libcurl4-openssl-dev libexpat1-dev libkainjow-mustache-dev libssl-dev
+  nlohmann-json3-dev libgtest-dev libgmock-dev)
 make_sysroot() {
   local architecture=$1 directory=$2 triplet processor
   case $architecture in

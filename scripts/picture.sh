@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Draws docs/picture.svg, the picture of the README, from a real run of the tool on the sample camera.
+# Makes the pictures of the README from real runs of the tool on the sample camera: docs/picture.svg, and
+# docs/report.png, the page of a report in a browser, for which it must be root.
 #   scripts/picture.sh [TOOL]     default: the tool of the demo's build
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
@@ -47,3 +48,16 @@ fold -s -w 100 transcript | awk '
         lines[i] ~ /^\$ / ? "#7ee787" : "#d1d7e0", lines[i]
     print "</g>\n</svg>"
   }' >"$root/docs/picture.svg"
+
+step "Photographing a report into $root/docs/report.png"
+need_packages chromium fonts-dejavu-core
+# On the machine of the tests, where the sample camera is attached; the picture comes by standard output.
+"$root/tests/docs/sample_machine.sh" "$root" "$tool" bash -euc '{
+  kalvista setup --from /media/usb -v error
+  kalvista config 12345678 --fov 33 --range=0:250 --framerate 27 -o camera.xml
+  kalvista report --config camera.xml -o report.html
+  chromium --headless=new --no-sandbox --disable-gpu --disable-dev-shm-usage --hide-scrollbars \
+    --window-size=860,1180 --screenshot=/mnt/report.png file:///mnt/home/report.html
+  } >&2
+  cat /mnt/report.png' >"$work/report.png"
+mv "$work/report.png" "$root/docs/report.png"

@@ -19,6 +19,7 @@ config 12345678 -o imager.xml | config 12345678 --fov 7 | check 12345678 --confi
 params imager.xml | params nowhere.xml | lint imager.xml | lint downloadlinks.xml | lint nowhere.xml
 setup | setup --all | doctor 12345678 | seal 12345678 | seal 99
 mirror . --serials serials --from /media/usb | mirror . --serials nowhere
+report | report 99 --config nowhere.xml | report 12345678 --config imager.xml -o report.html
 """
 
 

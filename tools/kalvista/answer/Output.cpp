@@ -33,6 +33,8 @@ std::string jsonText(const Json& document) {
   return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
+Json textOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
+
 void writeToStandardOutput(std::string_view text) {
   if (writeAll(STDOUT_FILENO, text)) return;
   throw Failure(ExitCode::CouldNot, std::string("standard output cannot be written: ") +

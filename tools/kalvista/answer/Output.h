@@ -31,6 +31,8 @@ struct Answer {
 Json completeDocument(const std::string& command, const Answer& answer);
 std::string jsonText(const Json& document);
 
+Json textOrNull(const std::string& text);  // null for an empty one
+
 // Writes to standard output; a Failure when it is closed or its disk is full.
 void writeToStandardOutput(std::string_view text);
 

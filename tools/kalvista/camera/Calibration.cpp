@@ -217,6 +217,17 @@ std::vector<std::string> namesOf(const std::vector<CalibrationFile>& files) {
   return names;
 }
 
+Json documentsOf(const std::vector<CalibrationFile>& files) {
+  Json documents = Json::array();
+  for (const CalibrationFile& file : files) {
+    documents.push_back({{"name", file.name},
+                         {"path", file.path},
+                         {"size", file.size},
+                         {"state", stateText(file.state)}});
+  }
+  return documents;
+}
+
 std::string lackText(const CalibrationStatus& status, const std::string& directory,
                      unsigned long serial) {
   const std::vector<CalibrationFile> lacking = status.lacking();
@@ -268,17 +279,25 @@ Json opticsDocument(const ConfigCali& calibration) {
   return list;
 }
 
-std::string opticsTable(const Json& optics) {
-  Table table({"FOV", "TEXT", "RANGE", "EXTENDED", "DECIMALS", "FRAME RATES"});
+std::vector<OpticsRow> opticsRows(const Json& optics) {
+  std::vector<OpticsRow> rows;
   for (const Json& definition : optics) {
     const std::string fov = definition["fov"].dump();
     const std::string named = definition["text"];
     const std::string text = named.empty() ? "-" : named;
-    if (definition["ranges"].empty()) table.add({fov, text, "none"});
+    if (definition["ranges"].empty()) rows.push_back({fov, text, "none", "", "", ""});
     for (const Json& range : definition["ranges"]) {
-      table.add({fov, text, intervalText(range), intervalText(range["extended"]),
-                 range["decimals"].dump(), listText(range["framerates"])});
+      rows.push_back({fov, text, intervalText(range), intervalText(range["extended"]),
+                      range["decimals"].dump(), listText(range["framerates"])});
     }
+  }
+  return rows;
+}
+
+std::string opticsTable(const Json& optics) {
+  Table table({"FOV", "TEXT", "RANGE", "EXTENDED", "DECIMALS", "FRAME RATES"});
+  for (const OpticsRow& row : opticsRows(optics)) {
+    table.add({row.fov, row.text, row.range, row.extended, row.decimals, row.framerates});
   }
   return table.text();
 }

@@ -51,6 +51,7 @@ CalibrationStatus inspectCalibration(const std::string& directory, unsigned long
 std::vector<std::string> requiredNames(const std::string& directory, unsigned long serial);
 
 std::vector<std::string> namesOf(const std::vector<CalibrationFile>& files);
+Json documentsOf(const std::vector<CalibrationFile>& files);
 
 // One sentence: how much is lacking, and what to do; empty when the calibration is complete.
 std::string lackText(const CalibrationStatus& status, const std::string& directory,
@@ -62,6 +63,15 @@ Answer answerOf(const CalibrationStatus& status, const std::string& directory,
 
 // The optics with their ranges and frame rates, and the same as a table.
 Json opticsDocument(const ConfigCali& calibration);
+struct OpticsRow {
+  std::string fov;
+  std::string text;
+  std::string range;
+  std::string extended;
+  std::string decimals;
+  std::string framerates;
+};
+std::vector<OpticsRow> opticsRows(const Json& optics);
 std::string opticsTable(const Json& optics);
 
 }  // namespace tool

@@ -1,5 +1,3 @@
-#include <cstdlib>
-
 #include "commands/Commands.h"
 #include "machine/Usb.h"
 
@@ -10,8 +8,6 @@ struct OwnOptions {};
 
 void declare(CLI::App&, OwnOptions&) {}
 
-Json textOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
-
 std::string textOrDash(const std::string& text) { return text.empty() ? "-" : text; }
 
 std::string stateOf(const Camera& camera) {
@@ -20,25 +16,6 @@ std::string stateOf(const Camera& camera) {
   }
   if (camera.serial == 0) return "no usable serial number";
   return camera.mayBeOpened ? "ready" : "may not be opened by this user";
-}
-
-std::string sentenceOn(const Camera& camera) {
-  const std::string sentence = serialProblem(camera);
-  return sentence.empty() ? accessProblem(camera) : sentence;
-}
-
-Json documentOf(const Camera& camera) {
-  return {
-      {"serial", camera.hasUsableSerial() ? Json(camera.serial) : Json()},
-      {"serialText", camera.serialText},
-      {"port", camera.port},
-      {"vendorId", camera.vendorId},
-      {"productId", camera.productId},
-      {"product", textOrNull(camera.product)},
-      {"speed", camera.speed.empty() ? Json() : Json(std::strtof(camera.speed.c_str(), nullptr))},
-      {"node", textOrNull(camera.node)},
-      {"mayBeOpened", camera.mayBeOpened},
-      {"finding", textOrNull(sentenceOn(camera))}};
 }
 
 Answer run(const CommonOptions&, const OwnOptions&) {

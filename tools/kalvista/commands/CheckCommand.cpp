@@ -31,17 +31,6 @@ void addConfiguration(const ConfigurationCheck& check, Answer* answer) {
   if (answer->problem.empty()) answer->problem = problem;
 }
 
-Json fileDocuments(const CalibrationStatus& status) {
-  Json files = Json::array();
-  for (const CalibrationFile& file : status.files) {
-    files.push_back({{"name", file.name},
-                     {"path", file.path},
-                     {"size", file.size},
-                     {"state", stateText(file.state)}});
-  }
-  return files;
-}
-
 std::string fileTable(const CalibrationStatus& status) {
   Table table({"STATE", "BYTES", "PATH"});
   for (const CalibrationFile& file : status.files) {
@@ -56,7 +45,7 @@ Answer run(const CommonOptions& common, const OwnOptions& own) {
   const CalibrationStatus status = inspectCalibration(common.calibrationDir, own.serial);
   Answer answer = answerOf(status, common.calibrationDir, own.serial);
   if (own.explain) {
-    answer.document["files"] = fileDocuments(status);
+    answer.document["files"] = documentsOf(status.files);
     answer.text = fileTable(status);
   }
   if (!own.configuration.empty()) {

@@ -3,9 +3,10 @@
 namespace tool {
 
 std::vector<Command> allCommands() {
-  return {setupCommand(),  doctorCommand(), camerasCommand(),  serialCommand(),  opticsCommand(),
-          checkCommand(),  copyCommand(),   downloadCommand(), sealCommand(),    mirrorCommand(),
-          configCommand(), paramsCommand(), lintCommand(),     versionCommand(), generateCommand()};
+  return {setupCommand(),  doctorCommand(), camerasCommand(), serialCommand(),
+          opticsCommand(), checkCommand(),  copyCommand(),    downloadCommand(),
+          sealCommand(),   mirrorCommand(), configCommand(),  paramsCommand(),
+          lintCommand(),   reportCommand(), versionCommand(), generateCommand()};
 }
 
 }  // namespace tool

@@ -27,6 +27,7 @@ Command mirrorCommand();
 Command configCommand();
 Command paramsCommand();
 Command lintCommand();
+Command reportCommand();
 Command versionCommand();
 Command generateCommand();  // not in the help
 

@@ -18,8 +18,6 @@ struct CommonOptions {
 
 // The calibration directory, as one that exists.
 void requireCalibrationDir(const CommonOptions& common);
-// The same where its path reaches the command interpreter.
-void requireWorkableCalibrationDir(const CommonOptions& common);
 
 }  // namespace tool
 

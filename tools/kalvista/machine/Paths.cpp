@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -14,21 +13,6 @@ namespace tool {
 namespace {
 
 namespace fs = std::filesystem;
-
-// A word of a command may hold these only in quotes; find replaces "{}" even inside a word.
-constexpr std::string_view kShellCharacters = "\"'`$\\|&;<>()*?[]{}!";
-
-bool isSplittingOrActedOn(char character) {
-  const auto byte = static_cast<unsigned char>(character);
-  return byte <= ' ' || byte == 0x7F || kShellCharacters.find(character) != std::string_view::npos;
-}
-
-std::string describe(char character) {
-  if (character == ' ') return "a blank";
-  const auto byte = static_cast<unsigned char>(character);
-  return byte < ' ' || byte == 0x7F ? "a control character"
-                                    : std::string("the character ") + character;
-}
 
 }  // namespace
 
@@ -89,15 +73,6 @@ std::string userConfigurationDir() {
     directory = absoluteFrom("HOME") + "/.config";
   }
   return directory.empty() ? "" : absolutePath(directory + "/kalvista");
-}
-
-void refuseShellCharacters(const std::string& path, const std::string& what) {
-  const auto offender = std::find_if(path.begin(), path.end(), isSplittingOrActedOn);
-  if (offender == path.end()) return;
-  throw Failure(ExitCode::WrongUsage,
-                "the " + what + " \"" + path + "\" holds " + describe(*offender) +
-                    ", which the command interpreter would act on; rename it or use a link to it "
-                    "with a plain name");
 }
 
 }  // namespace tool

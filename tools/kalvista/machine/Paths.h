@@ -19,8 +19,6 @@ bool mayWrite(const std::string& directory);  // create files in it, that is
 // Where this user keeps configurations of this tool; empty for a user without a home. It may not
 // exist yet.
 std::string userConfigurationDir();
-// The library hands some paths to the command interpreter without quotes.
-void refuseShellCharacters(const std::string& path, const std::string& what);
 
 }  // namespace tool
 

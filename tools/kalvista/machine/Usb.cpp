@@ -11,7 +11,6 @@
 #include <fstream>
 
 #include "answer/Failure.h"
-#include "answer/Output.h"
 
 namespace tool {
 namespace {
@@ -152,6 +151,21 @@ std::string accessProblem(const Camera& camera) {
   return what +
          "no permission; sit at this machine or join the group plugdev, after \"systemctl "
          "enable --now kalvista-cameras.service\" by root";
+}
+
+Json documentOf(const Camera& camera) {
+  const std::string number = serialProblem(camera);
+  return {
+      {"serial", camera.hasUsableSerial() ? Json(camera.serial) : Json()},
+      {"serialText", camera.serialText},
+      {"port", camera.port},
+      {"vendorId", camera.vendorId},
+      {"productId", camera.productId},
+      {"product", textOrNull(camera.product)},
+      {"speed", camera.speed.empty() ? Json() : Json(std::strtof(camera.speed.c_str(), nullptr))},
+      {"node", textOrNull(camera.node)},
+      {"mayBeOpened", camera.mayBeOpened},
+      {"finding", textOrNull(number.empty() ? accessProblem(camera) : number)}};
 }
 
 }  // namespace tool

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "answer/Output.h"
+
 namespace tool {
 
 // The library forms names of calibration files from an int.
@@ -52,6 +54,8 @@ std::vector<unsigned long> usableSerials(const std::vector<Camera>& cameras);
 std::string serialProblem(const Camera& camera);
 // The same of its device node; empty when this user may open it, or when the kernel names none.
 std::string accessProblem(const Camera& camera);
+// What the two say as "finding", null when they say nothing, beside what the kernel gives.
+Json documentOf(const Camera& camera);
 
 }  // namespace tool
 

@@ -1,0 +1,111 @@
+#include "report/Report.h"
+
+#include <kalvista/version.h>
+
+#include <ctime>
+#include <filesystem>
+
+#include "camera/Calibration.h"
+#include "camera/Configuration.h"
+#include "camera/Seal.h"
+#include "diagnosis/Checks.h"
+#include "diagnosis/ConfigurationCheck.h"
+#include "machine/System.h"
+#include "machine/Usb.h"
+#include "report/ConfigurationText.h"
+#include "report/Privacy.h"
+
+namespace tool {
+namespace {
+
+std::string timeText() {
+  const std::time_t now = std::time(nullptr);
+  std::tm utc{};
+  char text[sizeof "2026-11-25T14:42:15Z"] = "";
+  if (gmtime_r(&now, &utc) != nullptr) std::strftime(text, sizeof text, "%FT%TZ", &utc);
+  return text;
+}
+
+std::string versionNumber() {
+  return std::to_string(KALVISTA_VERSION_MAJOR) + "." + std::to_string(KALVISTA_VERSION_MINOR) +
+         "." + std::to_string(KALVISTA_VERSION_PATCH);
+}
+
+Json machineDocument(const CommonOptions& common, const User& user, bool full) {
+  const System system = thisSystem();
+  return {{"distribution", textOrNull(system.distribution)},
+          {"kernel", system.kernel},
+          {"processor", system.processor},
+          {"processors", system.processors},
+          {"root", user.isRoot},
+          {"user", full && !user.names.empty() ? Json(user.names.front()) : Json()},
+          {"calibrationDir", common.calibrationDir},
+          {"formatsDir", common.formatsDir}};
+}
+
+// What cannot be looked at is told by the checks.
+void addCameras(Json* report) {
+  (*report)["usbDevices"] = Json();
+  (*report)["cameras"] = Json::array();
+  try {
+    const UsbDevices devices = readUsbDevices();
+    (*report)["usbDevices"] = devices.count;
+    for (const Camera& camera : devices.cameras) (*report)["cameras"].push_back(documentOf(camera));
+  } catch (const Failure&) {
+  }
+}
+
+Json calibrationDocument(const CommonOptions& common, unsigned long serial) {
+  std::error_code error;
+  if (serial == 0 || !std::filesystem::is_directory(common.calibrationDir, error)) return {};
+  const CalibrationStatus status = inspectCalibration(common.calibrationDir, serial);
+  const bool isReadable = status.files.front().state == FileState::Present;
+  const auto calibration = isReadable ? loadCalibration(common.calibrationDir, serial) : nullptr;
+  return {{"complete", status.complete()},
+          {"sealed", Seal::read(common.calibrationDir, serial).exists()},
+          {"files", documentsOf(status.files)},
+          {"optics", calibration ? opticsDocument(*calibration) : Json::array()}};
+}
+
+Json configurationDocument(const CommonOptions& common, unsigned long serial,
+                           const std::string& path) {
+  if (path.empty()) return {};
+  try {
+    const auto configuration = readConfiguration(path);
+    const ConfigurationCheck check = checkConfiguration(common, serial, path, *configuration);
+    Json document = documentOf(check);
+    document["params"] = valuesDocument(configuration->values);
+    document["lines"] = linesOf(check);
+    return document;
+  } catch (const Failure&) {
+    return {};
+  }
+}
+
+}  // namespace
+
+Json reportOn(const CommonOptions& common, unsigned long serial, const std::string& configuration,
+              bool full) {
+  const User user = thisUser();
+  const Diagnosis diagnosis = diagnose(common, serial, configuration);
+  Json report = {{"written", timeText()},
+                 {"version", versionNumber()},
+                 {"full", full},
+                 {"serial", diagnosis.serial != 0 ? Json(diagnosis.serial) : Json()},
+                 {"healthy", diagnosis.count(CheckStatus::Fail) == 0}};
+  report["machine"] = machineDocument(common, user, full);
+  addCameras(&report);
+  report["checks"] = documentsOf(diagnosis.checks);
+  report["calibration"] = calibrationDocument(common, diagnosis.serial);
+  report["configuration"] = configurationDocument(common, diagnosis.serial, configuration);
+  // Texts of cameras and calibrations may be in any encoding; from here on all are in UTF-8.
+  report = Json::parse(jsonText(report));
+  if (full) return report;
+  leaveOutUser(user, &report);
+  if (!report["configuration"].is_null()) {
+    leaveOutUserInProse(user, &report["configuration"]["lines"]);
+  }
+  return report;
+}
+
+}  // namespace tool
