@@ -22,12 +22,9 @@ void moveToArray(std::vector<Pointer>& from, Record**& array, std::int32_t& coun
 }
 
 template <typename Record, typename Release>
-void releaseArray(Record**& array, std::int32_t& count, Release release) {
-  if (array == nullptr) return;
+void releaseArray(Record** array, std::int32_t count, Release release) {
   std::for_each(array, array + count, release);
   delete[] array;
-  array = nullptr;
-  count = 0;
 }
 
 RangePointer makeRangeOf(float low, float high) {

@@ -54,7 +54,6 @@ std::optional<std::string> readAttribute(const std::string& device, const char* 
 // In the device directory each device is a link to its place in the tree.
 bool isDevice(const std::string& name) {
   if (name == "." || name == "..") return false;
-  errno = 0;
   struct stat status {};
   if (lstat(name.c_str(), &status) != 0) {
     const std::string error = errorText();
@@ -88,7 +87,6 @@ unsigned long searchCamera(DIR* directory, unsigned long wanted) {
 
 bool searchTree(unsigned long& serial) {
   logMessage(kLogDebug, kDiscoverySource, kLineQuery, "Query directory ", kDeviceDirectory);
-  errno = 0;
   if (chdir(kDeviceDirectory) != 0) {
     const std::string error = errorText();
     logMessage(kLogError, kDiscoverySource, kLineNotEntered, "Query directory ", kDeviceDirectory,
@@ -96,7 +94,6 @@ bool searchTree(unsigned long& serial) {
     errno = 0;
     return false;
   }
-  errno = 0;
   const Directory directory(opendir(kDeviceDirectory));
   if (directory == nullptr) {
     const std::string error = errorText();

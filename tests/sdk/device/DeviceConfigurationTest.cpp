@@ -10,14 +10,17 @@ TEST_F(DeviceConfiguration, Transcript) {
            shown(params.pifOutMode, params.pifOutVoltage, params.focus);
   };
   Commands on;
-  on["initDefault"] = [&](auto& a) {
-    params.pifOutMode = params.pifOutVoltage = params.tMin = 7;
-    params.opticsText = a[0];
+  // A record has no values of its own.
+  const auto makeFresh = [&params] { std::memset(&params, 0x77, sizeof params); };
+  on["initDefault"] = [&](auto&) {
+    makeFresh();
+    params.pifOutMode = params.pifOutVoltage = 7;
     IRDeviceParams_InitDefault(params);
     return printed();
   };
   std::vector<std::string> empty;  // what is printed of a record without values
   on["read"] = [&](auto& a) {
+    makeFresh();
     const bool done = ardo::IRDeviceParamsReader::readXMLC(a[0], params);
     const std::unique_ptr<char[]> optics(params.opticsText);
     const std::unique_ptr<char[]> formats(params.formatsPath);
