@@ -23,7 +23,7 @@ struct Bench {
   // For work of up to some milliseconds, repeated until a sample is long enough to be measured.
   Effort shortWork() const { return quick ? Effort{1, 0} : Effort{51, 0.02}; }
   // For work that is measured run by run.
-  Effort longWork() const { return quick ? Effort{1, 0} : Effort{25, 0}; }
+  Effort longWork() const { return quick ? Effort{1, 0} : Effort{15, 0}; }
 };
 
 void benchLoads(Bench& bench);      // ConfigCali::load against the peers
