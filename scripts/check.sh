@@ -5,7 +5,7 @@ set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
-all_checks=(plain_build library_alone format floors share scripts tidy install static memory threads demo abi manual packages benchmark)
+all_checks=(plain_build library_alone format floors share scripts tidy install static memory threads demo same_bytes unity abi manual packages benchmark)
 serial=12345678
 work=$(mktemp -d /tmp/kalvista-check.XXXXXX)
 plain=$work/plain
@@ -176,13 +176,41 @@ threads() {
 
 # The demo, by a user without privileges, from a checkout with a blank in its path.
 demo() {
-  local checkout="$work/my checkout"
-  mkdir "$checkout"
-  tar -C "$root" --exclude='./build*' --exclude=./.git -c . | tar -C "$checkout" -x
+  check_out
   chmod 755 "$work"
   chown -R nobody "$checkout"
   rm -f /tmp/downloadlinks.xml
   setpriv --reuid nobody --clear-groups env HOME="$work" "$checkout/scripts/demo.sh"
+}
+
+checkout="$work/my checkout"
+check_out() {
+  mkdir "$checkout"
+  tar -C "$root" --exclude='./build*' --exclude=./.git -c . | tar -C "$checkout" -x
+}
+
+# Library and tool have no byte that depends on where they were built. The demo's build goes on, with
+# the address of the plain one.
+same_bytes() {
+  [[ -e $plain/kalvista ]] || plain_build
+  [[ -e $checkout ]] || check_out
+  local build="$checkout/build-demo" file
+  cmake -S "$checkout" -B "$build" -DCMAKE_BUILD_TYPE=Release -DKALVISTA_BUILD_TESTS=OFF \
+    "-D$(grep ^KALVISTA_DOWNLOAD_LINKS_URL: "$plain/CMakeCache.txt")"
+  cmake --build "$build" --parallel "$(nproc)"
+  for file in libkalvista.so kalvista; do cmp "$plain/$file" "$build/$file"; done
+}
+
+# All of the library as one source; with clang and its own C++ library, it exports the same names.
+unity() {
+  cmake -S "$root" -B "$work/unity" -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=0 -DKALVISTA_BUILD_TOOL=OFF \
+    -DKALVISTA_WARNINGS_AS_ERRORS=ON -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_FLAGS=-stdlib=libc++
+  cmake --build "$work/unity" --parallel "$(nproc)"
+  nm -DC --defined-only "$work/unity/libkalvista.so" | cut -d ' ' -f 3- |
+    sed 's/::__1::/::/g; s/basic_string<char, std::char_traits<char>, std::allocator<char> >/string/g' |
+    LC_ALL=C sort -u >"$work/exported"
+  sed 's/::__cxx11::/::/g; s/\[abi:cxx11\]//; s/basic_string<char, std::char_traits<char>, std::allocator<char> >/string/g' \
+    "$root/tests/sdk/exported_symbols.txt" | LC_ALL=C sort -u | diff - "$work/exported"
 }
 
 # What has a script of its own.
