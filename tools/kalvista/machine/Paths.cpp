@@ -45,8 +45,9 @@ void requireDirectory(const std::string& path, const std::string& what) {
   }
   throw Failure(ExitCode::CouldNot,
                 "the " + what + " " + path +
-                    (fs::exists(status) ? " is not a directory" : " does not exist") +
-                    "; check the path or create it");
+                    (fs::exists(status)
+                         ? " is not a directory; check the path"
+                         : " does not exist; check the path or make it: mkdir -p '" + path + "'"));
 }
 
 void requireFileReadable(const std::string& path, const std::string& what) {
