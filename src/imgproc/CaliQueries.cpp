@@ -44,7 +44,7 @@ int indexOfOptics(const OpticsList& list, const OPTICS* key) {
 OpticsDef* findOptics(const ConfigCali& calibration, const OPTICS* key) {
   const OpticsList& list = listOf(calibration);
   const int index = indexOfOptics(list, key);
-  return index == kNotFound ? nullptr : list.items[index];
+  return isIndex(index, list.count) ? list.items[index] : nullptr;
 }
 
 int indexOfRange(const OpticsDef* optics, const Range* key) {
