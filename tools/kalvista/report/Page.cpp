@@ -36,10 +36,10 @@ data dataOf(const Json& value) {
     for (const Json& item : value) items.push_back(dataOf(item));
     return items;
   }
-  if (value.is_string()) return data(shownText(value));
-  if (value.is_boolean()) return data(value.get<bool>());
-  if (value.is_null()) return data(false);
-  return data(value.is_number_float() ? numberText(value) : value.dump());
+  if (value.is_string()) return shownText(value);
+  if (value.is_boolean()) return value.get<bool>();
+  if (value.is_null()) return false;
+  return value.is_number_float() ? numberText(value) : value.dump();
 }
 
 std::string statusOf(const Json& checks) {
