@@ -77,7 +77,7 @@ test_packages=(g++ clang 'libclang-rt-dev|libclang-rt-14-dev' ninja-build libgte
 check_packages=(clang-format clang-tidy libc++-dev libc++abi-dev shellcheck valgrind 'pkgconf|pkg-config' python3)
 # shellcheck disable=SC2034
 python_packages=(python3-dev python3-venv python3-pip python3-pybind11 python3-setuptools python3-wheel
-  python3-build python3-pytest python3-matplotlib mypy unzip)
+  python3-build python3-pytest pybind11-dev python3-matplotlib mypy unzip)
 
 # make_sysroot ARCH DIRECTORY: fetches what library, tool and tests are linked with for that processor
 # into DIRECTORY/sysroot, and writes DIRECTORY/toolchain.cmake for CMake. This machine's own packages

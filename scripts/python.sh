@@ -4,6 +4,7 @@
 #   scripts/python.sh install FOLDER   source package and wheel in FOLDER/dist, from a copy of the sources;
 #                                      the wheel looked through, and installed in a fresh environment
 #   scripts/python.sh asan FOLDER      installed from the sources, with the address sanitizer
+#   scripts/python.sh cmake FOLDER     built by CMake against the shared library, and installed below FOLDER/prefix
 #   scripts/python.sh bench FOLDER     measures loading the sample, and writes the tables of docs/performance.md
 #   scripts/python.sh run FOLDER CMD.. runs a command with that environment's Python first in the path
 #
@@ -13,7 +14,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 python=${KALVISTA_PYTHON:-/usr/bin/python3}
-action=${1:?what to do: install, asan, bench or run} folder=${2:?a folder}
+action=${1:?what to do: install, asan, cmake, bench or run} folder=${2:?a folder}
 shift 2
 
 require_modules() {
@@ -64,6 +65,15 @@ case $action in
     copy_sources
     CFLAGS="-fsanitize=address -fno-omit-frame-pointer" LDFLAGS="-fsanitize=address" pip_install "$folder/tree/python"
     ;;
+  cmake)
+    require_modules "pybind11, venv, ensurepip, pytest"
+    "$python" -m venv --clear --system-site-packages "$folder/env"
+    cmake -S "$root" -B "$folder/build" -DKALVISTA_BUILD_PYTHON=ON -DKALVISTA_BUILD_{TOOL,EXAMPLES}=OFF \
+      -DPython_EXECUTABLE="$folder/env/bin/python" -DKALVISTA_WARNINGS_AS_ERRORS=ON
+    cmake --build "$folder/build" --parallel "$(nproc)"
+    cmake --install "$folder/build" --prefix "$folder/prefix"
+    echo "$folder"/prefix/lib/python3*/site-packages >"$("$folder/env/bin/python" -c 'import site; print(site.getsitepackages()[0])')/prefix.pth"
+    ;;
   bench)
     need_packages "${build_packages[@]}" "${python_packages[@]}"
     copy_sources
@@ -84,5 +94,5 @@ case $action in
     fi
     PATH=$folder/env/bin:$PATH exec "$folder/env/bin/python" "$@"
     ;;
-  *) die "unknown action $action; there are install, asan, bench and run" ;;
+  *) die "unknown action $action; there are install, asan, cmake, bench and run" ;;
 esac
