@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace tool {
 namespace {
 
 constexpr double kMostSteps = 10;
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNotGiven = -100;  // the model's value of an extended limit that the file lacks
 constexpr std::size_t kBarWidth = 48;
 
@@ -91,7 +93,7 @@ class Painter {
 
  private:
   TemperatureScale makeScale() const {
-    Interval all{INFINITY, -INFINITY};
+    Interval all{kInfinity, -kInfinity};
     const auto include = [&all](const std::optional<Interval>& interval) {
       if (!interval) return;
       all = {std::min(all.min, interval->min), std::max(all.max, interval->max)};
@@ -183,17 +185,20 @@ std::string axisText(const TemperatureScale& scale) {
   return axis + " °C";
 }
 
+double stepFor(double span) {
+  double step = std::pow(10.0, std::floor(std::log10(span / kMostSteps)));
+  for (const double factor : {2.0, 2.5, 2.0}) {
+    if (span / step > kMostSteps) step *= factor;
+  }
+  return step;
+}
+
 }  // namespace
 
-TemperatureScale::TemperatureScale(double lowest, double highest) {
-  const double span = std::max(highest - lowest, 1.0);
-  step_ = std::pow(10.0, std::floor(std::log10(span / kMostSteps)));
-  for (const double factor : {2.0, 2.5, 2.0}) {
-    if (span / step_ > kMostSteps) step_ *= factor;
-  }
-  begin_ = std::floor(lowest / step_) * step_;
-  end_ = std::max(std::ceil(highest / step_) * step_, begin_ + step_);
-}
+TemperatureScale::TemperatureScale(double lowest, double highest)
+    : step_(stepFor(std::max(highest - lowest, 1.0))),
+      begin_(std::floor(lowest / step_) * step_),
+      end_(std::max(std::ceil(highest / step_) * step_, begin_ + step_)) {}
 
 std::vector<double> TemperatureScale::ticks() const {
   std::vector<double> result;

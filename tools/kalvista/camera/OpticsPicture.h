@@ -18,9 +18,9 @@ class TemperatureScale {
   double fractionOf(double temperature) const { return (temperature - begin_) / (end_ - begin_); }
 
  private:
-  double step_ = 1;
-  double begin_ = 0;
-  double end_ = 1;
+  double step_;
+  double begin_;
+  double end_;
 };
 
 struct Bar {
