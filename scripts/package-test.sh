@@ -16,7 +16,7 @@ case ${1:-} in
   "" | --staging) ;;
   *) die "unknown argument $1; the only one is --staging" ;;
 esac
-debs=("$root"/build-package/{libkalvista1,libkalvista-dev,kalvista-tools}_*.deb)
+debs=("$root"/build-package/{libkalvista1,libkalvista-dev,kalvista-tools,python3-kalvista}_*.deb)
 [[ -e ${debs[0]} ]] || die "there are no packages in build-package; run scripts/package.sh first"
 clean=$root/build-root
 
@@ -41,11 +41,11 @@ mirror() {
 }
 
 if [[ ${1:-} == --staging ]]; then
-  need_packages g++ make cmake 'pkgconf|pkg-config' wget net-tools
+  need_packages g++ make cmake 'pkgconf|pkg-config' wget net-tools python3
   step "Unpacking in build-root/moved"
   unpack "$clean/moved"
   step "Building and running the example"
-  (cd "$clean/moved/source" && debian/tests/quickstart "$clean/moved/usr")
+  (cd "$clean/moved/source" && debian/tests/quickstart "$clean/moved/usr" && debian/tests/python "$clean/moved/usr")
   exit
 fi
 
@@ -53,7 +53,7 @@ fi
 need_packages debootstrap
 step "Making a clean system in build-root"
 rm -rf "$clean"
-debootstrap --variant=minbase --include=g++,make,cmake,pkg-config,wget,net-tools \
+debootstrap --variant=minbase --include=g++,make,cmake,pkg-config,wget,net-tools,python3 \
   "$codename" "$clean" "$(mirror)" >"$root/build-package/debootstrap.log" ||
   die "no clean system could be made; see build-package/debootstrap.log, or use --staging"
 unpack "$clean/opt/elsewhere"
@@ -64,11 +64,13 @@ chroot "$clean" sh -euc '
   dpkg -i /opt/*.deb
   test -d /usr/share/libkalvista/cali
   cd /opt/elsewhere/source
-  debian/tests/quickstart'
+  debian/tests/quickstart
+  debian/tests/python'
 step "Removing them, and using what was unpacked at another prefix"
 chroot "$clean" sh -euc '
-  dpkg --purge kalvista-tools libkalvista-dev libkalvista1
+  dpkg --purge python3-kalvista kalvista-tools libkalvista-dev libkalvista1
   test ! -e /usr/share/libkalvista
   cd /opt/elsewhere/source
-  debian/tests/quickstart /opt/elsewhere/usr'
+  debian/tests/quickstart /opt/elsewhere/usr
+  debian/tests/python /opt/elsewhere/usr'
 rm -rf "$clean"
