@@ -44,3 +44,7 @@ ctest --test-dir "$build" --parallel "$(nproc)" --output-on-failure --no-tests=e
   -R "^($(IFS='|' && echo "${tests[*]}"))" -E '^kalvista_differential_test'
 step "Comparing on $documents random documents"
 "${emulator[@]}" "$build/tests/oracle/kalvista_differential_test" --documents="$documents"
+if [[ $architecture == arm64 && $tool == ON ]]; then
+  step "Building the Python package, and testing it"
+  "$root/scripts/python.sh" arm64 "$build/python"
+fi

@@ -5,6 +5,7 @@
 #                                      the wheel looked through, and installed in a fresh environment
 #   scripts/python.sh asan FOLDER      installed from the sources, with the address sanitizer
 #   scripts/python.sh cmake FOLDER     built by CMake against the shared library, and installed below FOLDER/prefix
+#   scripts/python.sh arm64 FOLDER     a wheel for arm64, cross-compiled, tested under an emulator by Debian's Python
 #   scripts/python.sh bench FOLDER     measures loading the sample, and writes the tables of docs/performance.md
 #   scripts/python.sh run FOLDER CMD.. runs a command with that environment's Python first in the path
 #
@@ -14,7 +15,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 python=${KALVISTA_PYTHON:-/usr/bin/python3}
-action=${1:?what to do: install, asan, cmake, bench or run} folder=${2:?a folder}
+action=${1:?what to do: install, asan, cmake, arm64, bench or run} folder=$(realpath -m "${2:?a folder}")
 shift 2
 
 require_modules() {
@@ -26,7 +27,7 @@ require_modules() {
 
 # What a fresh clone has of it, so that nothing is built among the sources.
 copy_sources() {
-  rm -rf "$folder"
+  rm -rf "$folder"/{tree,env,dist,wheel}
   mkdir -p "$folder/tree"
   tar -C "$root" --exclude='build' --exclude='*.egg-info' --exclude=__pycache__ -c \
     python include src cmake LICENSE | tar -C "$folder/tree" -x
@@ -49,6 +50,25 @@ look_through_wheel() {
     grep -vE '^(libstdc\+\+|libgcc_s|libm|libc|ld-linux.*)\.so' || true)
   [[ -z $others ]] || die "the module needs $others"
   echo "newest symbol: $(objdump -T "${module[0]}" | grep -o 'GLIBC_[0-9.]*' | sort -uV | tail -1)"
+}
+
+# This machine's setuptools, told by the other Python's own description how that one builds. Only what
+# needs no second process of the package, and no library of that processor, is tested.
+arm64_wheel() {
+  local sysroot=$folder/sysroot triplet=aarch64-linux-gnu headers
+  headers=$(compgen -G "$sysroot/usr/include/python3.*")
+  mkdir -p "$folder/description"
+  cp "$sysroot/usr/lib/$(basename "$headers")/_sysconfigdata__$triplet.py" "$folder/description"
+  rm -rf "$folder"/{dist,wheel}
+  (cd "$folder/tree/python" && PYTHONPATH=$folder/description _PYTHON_HOST_PLATFORM=linux-aarch64 \
+    _PYTHON_SYSCONFIGDATA_NAME=_sysconfigdata__$triplet CC=$triplet-gcc CXX=$triplet-g++ \
+    CFLAGS="--sysroot=$sysroot -I$headers" LDFLAGS="--sysroot=$sysroot" \
+    "$python" -m build --wheel --no-isolation -o "$folder/dist" .) >"$folder/build.log" 2>&1 || { cat "$folder/build.log" && die "no wheel"; }
+  look_through_wheel
+  export PYTHONHOME=$sysroot/usr PYTHONPATH=$folder/wheel:/usr/lib/python3/dist-packages PYTHONDONTWRITEBYTECODE=1
+  "${emulator[@]}" "$sysroot/usr/bin/python3" "$root/examples/python/check_camera.py" "$root"/examples/repository/12/1234/Cali* 12345678
+  (cd "$folder" && "${emulator[@]}" "$sysroot/usr/bin/python3" -m pytest -q -p no:cacheprovider "$root/tests/python" \
+    -k "not every_value and not threads and not resident and not page and not attached and not ascii and not pictures")
 }
 
 case $action in
@@ -74,6 +94,14 @@ case $action in
     cmake --install "$folder/build" --prefix "$folder/prefix"
     echo "$folder"/prefix/lib/python3*/site-packages >"$("$folder/env/bin/python" -c 'import site; print(site.getsitepackages()[0])')/prefix.pth"
     ;;
+  arm64)
+    need_packages "${python_packages[@]}" binutils
+    copy_sources
+    # shellcheck disable=SC2034  # what make_sysroot fetches
+    sysroot_packages=(libc6-dev libstdc++6 libpython3-dev libpython3-stdlib python3-minimal)
+    make_sysroot arm64 "$folder"
+    arm64_wheel
+    ;;
   bench)
     need_packages "${build_packages[@]}" "${python_packages[@]}"
     copy_sources
@@ -81,7 +109,7 @@ case $action in
     cmake -S "$root" -B "$folder/library" -DCMAKE_BUILD_TYPE=Release -DKALVISTA_BUILD_{TOOL,EXAMPLES}=OFF >"$folder/build.log"
     cmake --build "$folder/library" --target kalvista --parallel "$(nproc)" >>"$folder/build.log"
     g++ -std=c++17 -O3 -shared -fPIC -I "$root/include" "$root/bench/python/LibraryLoad.cpp" -o "$folder/libload.so" \
-      -L "$folder/library" -lkalvista -Wl,-rpath,"$(realpath "$folder/library")"
+      -L "$folder/library" -lkalvista -Wl,-rpath,"$folder/library"
     "$folder/env/bin/python" "$root/bench/python/load.py" "$folder/libload.so" \
       "$root"/examples/repository/12/1234/Cali* 12345678 "$root/docs/performance.md"
     ;;
@@ -94,5 +122,5 @@ case $action in
     fi
     PATH=$folder/env/bin:$PATH exec "$folder/env/bin/python" "$@"
     ;;
-  *) die "unknown action $action; there are install, asan, cmake, bench and run" ;;
+  *) die "unknown action $action; there are install, asan, cmake, arm64, bench and run" ;;
 esac
