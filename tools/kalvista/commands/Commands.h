@@ -29,7 +29,9 @@ Command paramsCommand();
 Command lintCommand();
 Command reportCommand();
 Command versionCommand();
-Command generateCommand();  // not in the help
+// Not in the help:
+Command generateCommand();
+Command offerCommand();
 
 }  // namespace tool
 

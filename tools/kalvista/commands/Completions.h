@@ -13,6 +13,7 @@ std::vector<const CLI::App*> listedCommands(const CLI::App& tool);
 // Without the arguments that have no name, and the help of commands, which is the tool's.
 std::vector<const CLI::Option*> namedOptions(const CLI::App& app);
 bool takesValue(const CLI::Option& option);
+std::vector<std::string> spellings(const CLI::Option& option);  // "-v", "--verbosity"
 
 std::string bashCompletion(const CLI::App& tool);
 std::string zshCompletion(const CLI::App& tool);
