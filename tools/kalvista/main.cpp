@@ -55,7 +55,7 @@ ExitCode deliver(const tool::CommandLine& commandLine, bool asJson, const Answer
   complete.document.update(answer.document);
   tool::writeToStandardOutput(
       asJson ? tool::jsonText(tool::completeDocument(commandLine.commandName(), complete))
-             : answer.text);
+             : tool::printableLines(answer.text));
   return answer.exitCode;
 }
 
@@ -85,6 +85,7 @@ ExitCode runTool(int argumentCount, const char* const* arguments) {
 
 int main(int argumentCount, char** arguments) {
   occupyClosedStandardStreams();
+  tool::keepLogPrintable();
   try {
     return static_cast<int>(runTool(argumentCount, arguments));
   } catch (const Failure& failure) {

@@ -4,6 +4,7 @@
 
 #include <cctype>
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <iostream>
 
@@ -34,6 +35,33 @@ void say(const std::string& sentence, const char* colour = nullptr) {
 
 // The second byte of a control character that UTF-8 writes as two, behind 0xC2.
 bool isSecondOfControl(unsigned char byte) { return byte >= 0x80 && byte <= 0x9F; }
+
+std::string hexadecimal(unsigned char byte) {
+  constexpr const char* kDigits = "0123456789abcdef";
+  return {kDigits[byte / 16], kDigits[byte % 16]};
+}
+
+std::string replacingControls(std::string_view text, std::string (*replacement)(unsigned char)) {
+  std::string result;
+  bool isBehindC2 = false;
+  for (const char character : text) {
+    const auto byte = static_cast<unsigned char>(character);
+    const bool isSecond = isBehindC2 && isSecondOfControl(byte);
+    if (isSecond) result.pop_back();
+    if (isSecond || std::iscntrl(byte) != 0) {
+      result += replacement(byte);
+    } else {
+      result += character;
+    }
+    isBehindC2 = byte == 0xC2;
+  }
+  return result;
+}
+
+// As a stream of the C library asks for it: all is written, or nothing more can be.
+ssize_t writeLines(void* /*cookie*/, const char* text, std::size_t size) {
+  return writeAll(STDERR_FILENO, printableLines({text, size})) ? static_cast<ssize_t>(size) : 0;
+}
 
 }  // namespace
 
@@ -68,20 +96,28 @@ bool writeAll(int descriptor, std::string_view content) {
 }
 
 std::string printable(std::string_view text) {
-  constexpr const char* kDigits = "0123456789abcdef";
-  std::string result;
-  bool isBehindC2 = false;
-  for (const char character : text) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (std::iscntrl(byte) != 0 || (isBehindC2 && isSecondOfControl(byte))) {
-      if (isBehindC2 && isSecondOfControl(byte)) result.pop_back();
-      result += {'\\', 'x', kDigits[byte / 16], kDigits[byte % 16]};
-    } else {
-      result += character;
-    }
-    isBehindC2 = byte == 0xC2;
-  }
-  return result;
+  return replacingControls(text, [](unsigned char byte) { return "\\x" + hexadecimal(byte); });
+}
+
+std::string printableLines(std::string_view text) {
+  return replacingControls(text, [](unsigned char byte) {
+    return byte == '\n' ? std::string("\n") : "\\x" + hexadecimal(byte);
+  });
+}
+
+std::string printableJson(std::string_view text) {
+  return replacingControls(text, [](unsigned char byte) {
+    return byte == '\n' ? std::string("\n") : "\\u00" + hexadecimal(byte);
+  });
+}
+
+void keepLogPrintable() {
+#ifdef __GLIBC__
+  FILE* const stream = fopencookie(nullptr, "w", {nullptr, writeLines, nullptr, nullptr});
+  if (stream == nullptr) return;
+  std::setvbuf(stream, nullptr, _IONBF, 0);
+  stderr = stream;
+#endif
 }
 
 }  // namespace tool

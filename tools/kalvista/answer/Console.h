@@ -27,6 +27,13 @@ bool writeAll(int descriptor, std::string_view content);
 // Control characters are written as "\x1b": names and texts come from documents and servers, and a
 // terminal acts on them.
 std::string printable(std::string_view text);
+// The same of a text whose line feeds stay, and of a JSON document, whose strings stay what they
+// are.
+std::string printableLines(std::string_view text);
+std::string printableJson(std::string_view text);
+
+// The same for what the library's log writes to standard error. For the rest of the process.
+void keepLogPrintable();
 
 }  // namespace tool
 

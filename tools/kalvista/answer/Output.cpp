@@ -30,7 +30,7 @@ Json completeDocument(const std::string& command, const Answer& answer) {
 
 std::string jsonText(const Json& document) {
   // Texts of a calibration may be in any encoding; the document stays valid UTF-8.
-  return document.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+  return printableJson(document.dump(2, ' ', false, Json::error_handler_t::replace)) + "\n";
 }
 
 Json textOrNull(const std::string& text) { return text.empty() ? Json() : Json(text); }
