@@ -74,6 +74,8 @@ TEST_F(ToolTest, Transcript) {
                       text.err.find(a[2].text) != std::string::npos;
     return fits ? shown(text.exitCode) : shown(text.exitCode, text.out, text.err, json.out);
   };
+  publish("12345678", sample);
+  serve(linksDocument(kLink));
   runTranscript("tool.txt", on, transcript);
 }
 
