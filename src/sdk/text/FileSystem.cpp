@@ -7,7 +7,11 @@
 
 namespace ardo {
 
-int mkDir(const char* path) { return mkdir(path, 0777); }
+int mkDir(const char* path) {
+  if (path != nullptr) return mkdir(path, 0777);
+  errno = EFAULT;  // as the system says of a path that it cannot read
+  return -1;
+}
 
 char* getFolderPath(char* buf, short size) {
   if (buf == nullptr || size < 1) {
