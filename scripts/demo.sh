@@ -2,12 +2,12 @@
 # Shows the main job on the sample camera: from nothing to a complete calibration, once from a
 # folder and once from a web server on this machine. Needs no camera and no network, and leaves
 # nothing behind but its build folder.
+#   scripts/demo.sh [BUILD]    with a folder in which the tool was built already
 set -euo pipefail
 # shellcheck source=scripts/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 
 serial=12345678
-# The library hands folders to the command interpreter as they are: no blanks, wherever TMPDIR is.
 work=$(mktemp -d /tmp/kalvista-demo.XXXXXX)
 server=
 
@@ -44,8 +44,7 @@ free_port() {
 }
 
 compile() {
-  cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DKALVISTA_BUILD_TESTS=OFF \
-    -DKALVISTA_DOWNLOAD_LINKS_URL="http://127.0.0.1:$port/downloadlinks.xml" &&
+  cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DKALVISTA_BUILD_TESTS=OFF &&
     cmake --build "$build" --parallel "$(nproc)"
 }
 build_project() {
@@ -60,7 +59,7 @@ build_project() {
   [[ -x $build/kalvista ]] || die "the tool was not built; see the message of: cmake -S . -B build"
 }
 
-state_of() { find "$@" -printf '%p %s %T@\n' | sort; }
+state_of() { find "$@" -type f -printf '%p %s %T@\n' | sort; }
 
 # setup_twice ARGUMENT...: the second run must find nothing to do.
 setup_twice() {
@@ -73,20 +72,8 @@ setup_twice() {
 }
 
 serve_repository() {
-  cat >downloadlinks.xml <<LINKS
-<?xml version="1.0" encoding="UTF-8"?>
-<DownloadLinks>
-  <Imager>
-    <CaliData>
-      <Links>
-        <string>http://127.0.0.1:$port/repository</string>
-      </Links>
-    </CaliData>
-  </Imager>
-</DownloadLinks>
-LINKS
   export no_proxy=127.0.0.1
-  python3 -m http.server "$port" --bind 127.0.0.1 --directory "$work" >/dev/null 2>&1 &
+  python3 -m http.server "$port" --bind 127.0.0.1 --directory "$work" --protocol HTTP/1.1 >/dev/null 2>&1 &
   server=$!
   local try
   for try in {1..50}; do
@@ -98,7 +85,8 @@ LINKS
 
 need_packages "${build_packages[@]}" "${tool_packages[@]}" python3
 port=$(free_port)
-build_project
+build=${1:-}
+if [[ -z $build ]]; then build_project; fi
 cp -r "$root/examples/repository" "$work/repository"
 cd "$work"
 
@@ -114,9 +102,6 @@ run kalvista params imager.xml
 run kalvista config "$serial" --calibration-dir cali
 
 step "The same from a web server: 127.0.0.1, port $port"
-if [[ -e /tmp/downloadlinks.xml && ! -w /tmp/downloadlinks.xml ]]; then
-  die "/tmp/downloadlinks.xml belongs to somebody else; have it removed, it is only kept by mistake"
-fi
 serve_repository
-setup_twice --calibration-dir online --config online.xml
+setup_twice --mirror "http://127.0.0.1:$port/repository" --calibration-dir online --config online.xml
 diff -r cali online || die "the two calibrations differ"
