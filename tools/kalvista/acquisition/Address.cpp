@@ -35,10 +35,10 @@ std::string withoutBlanks(std::string_view base) {
 }  // namespace
 
 bool isWebAddress(const std::string& address) {
-  for (const std::string_view scheme : {"http://", "https://"}) {
-    if (strncasecmp(address.c_str(), scheme.data(), scheme.size()) == 0) return true;
-  }
-  return false;
+  const auto hasScheme = [&address](std::string_view scheme) {
+    return strncasecmp(address.c_str(), scheme.data(), scheme.size()) == 0;
+  };
+  return hasScheme("http://") || hasScheme("https://");
 }
 
 std::string folderOf(unsigned long serial) {

@@ -23,8 +23,8 @@ Arrivals::Arrivals(const std::string& directory, unsigned long serial, Repositor
       status_(inspectCalibration(directory, serial)) {
   for (const CalibrationFile& file : status_.files) states_[file.name] = file.state;
   const std::string seal = sealName(serial);
-  if (access((directory + "/" + seal).c_str(), F_OK) == 0)
-    states_.emplace(seal, FileState::Present);
+  const bool isSealed = access((directory + "/" + seal).c_str(), F_OK) == 0;
+  if (isSealed) states_.emplace(seal, FileState::Present);
 }
 
 // The XML file comes first, since it names the others, and with it what they are held against.

@@ -4,8 +4,10 @@
 #include <sys/file.h>
 #include <sys/vfs.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 
 #include "answer/Console.h"
 #include "answer/Failure.h"
@@ -20,10 +22,9 @@ constexpr std::chrono::milliseconds kLookInterval(100);
 bool liesOnTheNetwork(int directory) {
   struct statfs system {};
   if (fstatfs(directory, &system) != 0) return false;
-  for (const unsigned long type : kNetworkFileSystems) {
-    if (static_cast<unsigned int>(system.f_type) == type) return true;
-  }
-  return false;
+  const auto type = static_cast<unsigned int>(system.f_type);
+  return std::find(std::begin(kNetworkFileSystems), std::end(kNetworkFileSystems), type) !=
+         std::end(kNetworkFileSystems);
 }
 
 }  // namespace

@@ -28,10 +28,9 @@ constexpr unsigned int kFirstGoodWithProxies = 0x080000;
 // Before 8.0, requests that share a connection through a proxy pile connections up.
 bool mayShareConnections() {
   if (curl_version_info(CURLVERSION_NOW)->version_num >= kFirstGoodWithProxies) return true;
-  for (const char* name : {"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
-    if (std::getenv(name) != nullptr) return false;
-  }
-  return true;
+  const auto isUnset = [](const char* name) { return std::getenv(name) == nullptr; };
+  return isUnset("https_proxy") && isUnset("HTTPS_PROXY") && isUnset("all_proxy") &&
+         isUnset("ALL_PROXY");
 }
 
 struct Job {
@@ -118,7 +117,9 @@ void Fetcher::Session::startWhatIsDue() {
 void Fetcher::Session::takeFinished() {
   int count = 0;
   while (const CURLMsg* message = curl_multi_info_read(multi_, &count)) {
-    if (message->msg == CURLMSG_DONE) end(message->easy_handle, message->data.result, "");
+    if (message->msg != CURLMSG_DONE) continue;
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-union-access): the interface of the library below
+    end(message->easy_handle, message->data.result, "");
   }
 }
 
@@ -173,8 +174,9 @@ void Fetcher::Session::showProgress() {
 Fetcher::Fetcher(const FetchLimits& limits) : limits_(limits) {
   static const CURLcode ready = curl_global_init(CURL_GLOBAL_DEFAULT);
   multi_ = ready == CURLE_OK ? curl_multi_init() : nullptr;
-  if (multi_ == nullptr)
+  if (multi_ == nullptr) {
     throw Failure(ExitCode::CouldNot, "the network library does not start; try again");
+  }
   curl_multi_setopt(multi_, CURLMOPT_MAX_HOST_CONNECTIONS, static_cast<long>(kAtOnce));
   curl_multi_setopt(multi_, CURLMOPT_MAXCONNECTS, kConnectionsKept);
   curl_multi_setopt(multi_, CURLMOPT_PIPELINING,

@@ -84,8 +84,9 @@ SourceFile openInside(const std::string& folder, const std::string& path) {
   std::error_code error;
   const std::string truePath = fs::read_symlink(pathOf(place), error).string();
   if (error) return problemWith(path, "its true place is not known without /proc");
-  if (!liesInside(folder, truePath))
+  if (!liesInside(folder, truePath)) {
     return problemWith(path, "it is a link that leads out of " + folder);
+  }
   SourceFile file{Descriptor(open(pathOf(place).c_str(), O_RDONLY | O_CLOEXEC)),
                   static_cast<std::uintmax_t>(status.st_size), ""};
   if (file.descriptor.number() < 0) return problemWith(path, std::strerror(errno));

@@ -38,9 +38,9 @@ bool writeWhenOther(const std::string& path, const std::string& content) {
 
 }  // namespace
 
-Mirror::Mirror(const CommonOptions& common, std::string directory,
+Mirror::Mirror(CommonOptions common, std::string directory,
                std::vector<std::unique_ptr<Repository>> sources)
-    : common_(common), directory_(std::move(directory)), sources_(std::move(sources)) {}
+    : common_(std::move(common)), directory_(std::move(directory)), sources_(std::move(sources)) {}
 
 bool Mirror::isHopeless() const { return inVain_ >= kMostInVain; }
 

@@ -20,7 +20,7 @@ struct MirrorFailure {
 class Mirror {
  public:
   // Of a camera that several sources have, the first one counts.
-  Mirror(const CommonOptions& common, std::string directory,
+  Mirror(CommonOptions common, std::string directory,
          std::vector<std::unique_ptr<Repository>> sources);
 
   // Makes the calibration of a camera what its source has, and seals it. What was brought stays

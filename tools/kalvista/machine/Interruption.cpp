@@ -3,6 +3,7 @@
 #include <time.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace tool {
 namespace {
@@ -32,10 +33,8 @@ bool isInterrupted() {
   sigset_t pending;
   sigemptyset(&pending);
   sigpending(&pending);
-  for (const int signal : kSignals) {
-    if (sigismember(&pending, signal) == 1) return true;
-  }
-  return false;
+  return std::any_of(std::begin(kSignals), std::end(kSignals),
+                     [&pending](int signal) { return sigismember(&pending, signal) == 1; });
 }
 
 void throwIfInterrupted() {
