@@ -68,10 +68,10 @@ is_installed() {
 # shellcheck disable=SC2034
 build_packages=('g++|clang' make cmake)
 # shellcheck disable=SC2034
-tool_packages=(libcli11-dev libcurl4-openssl-dev libexpat1-dev libkainjow-mustache-dev libssl-dev nlohmann-json3-dev wget net-tools)
+tool_packages=(libcli11-dev libcurl4-openssl-dev libexpat1-dev libkainjow-mustache-dev libssl-dev nlohmann-json3-dev)
 # shellcheck disable=SC2034
 test_packages=(g++ clang 'libclang-rt-dev|libclang-rt-14-dev' ninja-build libgtest-dev libgmock-dev binutils util-linux mount iproute2
-  nginx-light openssl ca-certificates python3 python3-jsonschema ansible-core zsh fish groff-base locales systemd udev libxml2-utils
+  nginx-light wget net-tools openssl ca-certificates python3 python3-jsonschema ansible-core zsh fish groff-base locales systemd udev libxml2-utils
   chromium chromium-driver python3-selenium fonts-dejavu-core)
 # shellcheck disable=SC2034
 check_packages=(clang-format clang-tidy libc++-dev libc++abi-dev shellcheck valgrind 'pkgconf|pkg-config' python3)

@@ -40,8 +40,15 @@ mirror() {
     awk -v codename="$codename" '$1 == "Debian" && $2 == codename && $3 == "main" { print $4; exit }'
 }
 
+# depends: ",PACKAGE" for each that the packages ask for, all but each other.
+depends() {
+  local deb
+  for deb in "${debs[@]}"; do dpkg-deb -f "$deb" Depends; done |
+    tr ',' '\n' | sed 's/[:(|].*//; s/ //g' | grep -v kalvista | sort -u | sed 's/^/,/' | tr -d '\n'
+}
+
 if [[ ${1:-} == --staging ]]; then
-  need_packages g++ make cmake 'pkgconf|pkg-config' wget net-tools python3
+  need_packages g++ make cmake 'pkgconf|pkg-config' python3
   step "Unpacking in build-root/moved"
   unpack "$clean/moved"
   step "Building and running the example"
@@ -53,21 +60,27 @@ fi
 need_packages debootstrap
 step "Making a clean system in build-root"
 rm -rf "$clean"
-debootstrap --variant=minbase --include=g++,make,cmake,pkg-config,wget,net-tools,python3 \
+debootstrap --variant=minbase --include="g++,make,cmake,pkg-config,python3$(depends)" \
   "$codename" "$clean" "$(mirror)" >"$root/build-package/debootstrap.log" ||
   die "no clean system could be made; see build-package/debootstrap.log, or use --staging"
 unpack "$clean/opt/elsewhere"
 cp "${debs[@]}" "$clean/opt"
 
+# there COMMANDS: as a system runs them, with /proc.
+there() {
+  # shellcheck disable=SC2016  # for the inner shell
+  unshare --mount sh -euc 'mount -t proc proc "$0/proc" && exec chroot "$0" sh -euc "$1"' "$clean" "$1"
+}
+
 step "Installing the packages there, and using them"
-chroot "$clean" sh -euc '
+there '
   dpkg -i /opt/*.deb
   test -d /usr/share/libkalvista/cali
   cd /opt/elsewhere/source
   debian/tests/quickstart
   debian/tests/python'
 step "Removing them, and using what was unpacked at another prefix"
-chroot "$clean" sh -euc '
+there '
   dpkg --purge python3-kalvista kalvista-tools libkalvista-dev libkalvista1
   test ! -e /usr/share/libkalvista
   cd /opt/elsewhere/source

@@ -86,7 +86,7 @@ Acquisition acquire(const CommonOptions& common, unsigned long serial, Repositor
     arrivals.bringAll();
     takeOver(arrivals, differing, serial, repository, &result);
   } catch (const Failure& failure) {
-    if (result.status.files.empty()) result.status = lookAtCalibration(directory, serial);
+    if (result.status.files.empty()) result.status = inspectCalibration(directory, serial);
     if (result.status.complete() && differing == Differing::Keep) {
       note(std::string("the calibration is complete, and could not be compared: ") +
            failure.what());
@@ -95,7 +95,7 @@ Acquisition acquire(const CommonOptions& common, unsigned long serial, Repositor
       result.problem = failure.what();
     }
   }
-  result.status = inspectCalibration(directory, serial);
+  if (!result.installed.empty()) result.status = inspectCalibration(directory, serial);
   return result;
 }
 

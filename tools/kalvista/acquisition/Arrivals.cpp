@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <set>
 
 #include "acquisition/ArrivalCheck.h"
 #include "acquisition/FileCopy.h"
@@ -49,7 +48,9 @@ void Arrivals::bringAll() {
 void Arrivals::bring(const std::vector<std::string>& names) {
   std::vector<WantedFile> wanted;
   for (const std::string& name : names) {
-    if (name.find('/') == std::string::npos) wanted.push_back(want(name));
+    if (name.find('/') != std::string::npos) continue;
+    if (isUsable(name)) present_.insert(name);
+    wanted.push_back({name, isPresent(name) ? directory_ + "/" + name : ""});
   }
   for (Delivery& delivery : repository_.bring(serial_, wanted, work_)) {
     judge(&delivery);
@@ -57,13 +58,11 @@ void Arrivals::bring(const std::vector<std::string>& names) {
   }
 }
 
-// A file that the calibration does not ask for may be present as well.
-WantedFile Arrivals::want(const std::string& name) const {
-  const std::string path = directory_ + "/" + name;
+// A file that the calibration does not ask for may be there as well.
+bool Arrivals::isUsable(const std::string& name) const {
   const auto known = states_.find(name);
-  const bool isPresent = known != states_.end() ? known->second == FileState::Present
-                                                : access(path.c_str(), R_OK) == 0;
-  return {name, isPresent ? path : ""};
+  return known != states_.end() ? known->second == FileState::Present
+                                : access((directory_ + "/" + name).c_str(), R_OK) == 0;
 }
 
 void Arrivals::judge(Delivery* delivery) const {
@@ -75,8 +74,7 @@ void Arrivals::judge(Delivery* delivery) const {
     *delivery = {name, name == sealName(serial_) ? State::Absent : State::Failed,
                  ExitCode::AnswerIsNo, repository_.shownName() + ": the file that came " + fault,
                  "get a whole one from elsewhere"};
-  } else if (!want(name).present.empty() &&
-             haveSameContent(work_.pathOf(name), directory_ + "/" + name)) {
+  } else if (isPresent(name) && haveSameContent(work_.pathOf(name), directory_ + "/" + name)) {
     delivery->state = State::Same;
   }
 }
@@ -89,7 +87,7 @@ void Arrivals::holdAgainstSeal() {
   const Seal seal = Seal::read(isNew ? work_.path() : directory_, serial_);
   if (!seal.exists()) return;
   for (Delivery& delivery : deliveries_) {
-    const bool isReplacement = !isNew && !want(delivery.name).present.empty();
+    const bool isReplacement = !isNew && isPresent(delivery.name);
     if (delivery.state != State::Brought || &delivery == sealDelivery || isReplacement) continue;
     if (seal.holds(work_.path(), delivery.name)) continue;
     delivery.state = State::Failed;
@@ -126,8 +124,8 @@ std::vector<const Delivery*> Arrivals::failures() const {
   std::vector<const Delivery*> result;
   const bool isWholeSetNeeded = isRecalibrated();
   for (const Delivery& delivery : deliveries_) {
-    const bool isNeeded = delivery.name != sealName(serial_) &&
-                          (isWholeSetNeeded || want(delivery.name).present.empty());
+    const bool isNeeded =
+        delivery.name != sealName(serial_) && (isWholeSetNeeded || !isPresent(delivery.name));
     if (delivery.state == State::Failed || (delivery.state == State::Absent && isNeeded)) {
       result.push_back(&delivery);
     }
@@ -138,8 +136,9 @@ std::vector<const Delivery*> Arrivals::failures() const {
 std::vector<std::string> Arrivals::brought(bool present) const {
   std::vector<std::string> names;
   for (const Delivery& delivery : deliveries_) {
-    const bool isPresent = !want(delivery.name).present.empty();
-    if (delivery.state == State::Brought && isPresent == present) names.push_back(delivery.name);
+    if (delivery.state == State::Brought && isPresent(delivery.name) == present) {
+      names.push_back(delivery.name);
+    }
   }
   return names;
 }

@@ -3,6 +3,7 @@
 #define KALVISTA_TOOL_ARRIVALS_H
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -35,7 +36,8 @@ class Arrivals {
  private:
   std::string xmlName() const { return calibrationXmlName(serial_); }
   void bring(const std::vector<std::string>& names);
-  WantedFile want(const std::string& name) const;
+  bool isUsable(const std::string& name) const;
+  bool isPresent(const std::string& name) const { return present_.count(name) != 0; }
   void judge(Delivery* delivery) const;
   void holdAgainstSeal();
   std::string whatSealRefuses(const Seal& seal) const;
@@ -48,6 +50,7 @@ class Arrivals {
   WorkFolder work_;
   CalibrationStatus status_;
   std::map<std::string, FileState> states_;  // by name, of all that is known
+  std::set<std::string> present_;            // names of usable files, of those that were wanted
   std::vector<Delivery> deliveries_;
 };
 

@@ -13,21 +13,17 @@ namespace tool {
 namespace {
 
 constexpr mode_t kReadableByAll = 0444;
-constexpr mode_t kAllModes = 07777;
 
 // A link, and a file that has another name elsewhere, may be someone's trap. True when it changed.
 bool letAllReadOwn(const std::string& path) {
-  const mode_t mask = umask(0);
-  umask(mask);
   const Descriptor file(open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
   if (file.number() < 0 || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) ||
       status.st_uid != geteuid() || status.st_nlink != 1) {
     return false;
   }
-  const mode_t wanted = (status.st_mode | (kReadableByAll & ~mask)) & kAllModes;
-  const std::string place = "/proc/self/fd/" + std::to_string(file.number());
-  return wanted != (status.st_mode & kAllModes) && chmod(place.c_str(), wanted) == 0;
+  const mode_t wanted = (status.st_mode | (kReadableByAll & ~userMask())) & kAllModes;
+  return wanted != (status.st_mode & kAllModes) && chmod(pathOf(file).c_str(), wanted) == 0;
 }
 
 }  // namespace

@@ -22,7 +22,6 @@ constexpr std::string_view kNamePrefix = ".kalvista-work-";
 constexpr const char* kMark = ".made-by-kalvista";
 constexpr mode_t kOwnerOnly = 0600;
 constexpr mode_t kOrdinaryFileMode = 0666;  // less the user's mask
-constexpr mode_t kAllModes = 07777;
 
 [[noreturn]] void failToWrite(const std::string& what, int reason) {
   const bool isFull = reason == ENOSPC || reason == EDQUOT;
@@ -80,9 +79,7 @@ std::string makeFolder(const std::string& directory) {
 
 // Applications run as other users than the one who sets a camera up.
 void letAllRead(const std::string& path) {
-  const mode_t mask = umask(0);
-  umask(mask);
-  chmod(path.c_str(), kOrdinaryFileMode & ~mask & kAllModes);
+  chmod(path.c_str(), kOrdinaryFileMode & ~userMask() & kAllModes);
 }
 
 void flushToDisk(const std::string& path) {

@@ -22,8 +22,8 @@ std::size_t width(const std::string& cell) {
 
 Json completeDocument(const std::string& command, const Answer& answer) {
   Json document = {{"schema", kJsonSchemaVersion}};
-  document["command"] = command.empty() ? Json() : Json(command);
-  document["problem"] = answer.problem.empty() ? Json() : Json(answer.problem);
+  document["command"] = textOrNull(command);
+  document["problem"] = textOrNull(answer.problem);
   document.update(answer.document);
   return document;
 }

@@ -20,7 +20,6 @@ namespace tool {
 namespace {
 
 constexpr int kNameCapacity = 260;
-constexpr float kNotExtended = -100.0F;  // the model's value of a limit that the file does not give
 
 CalibrationFile lookAt(const std::string& directory, const std::string& name) {
   CalibrationFile file{name, directory + "/" + name};
@@ -118,12 +117,6 @@ Json rangeDocument(const TemperatureRange& range) {
 std::string intervalText(const Json& interval) {
   if (interval.is_null()) return "-";
   return numberText(interval["min"]) + " to " + numberText(interval["max"]);
-}
-
-std::string listText(const Json& numbers) {
-  std::string text;
-  for (const Json& number : numbers) text += (text.empty() ? "" : ", ") + number.dump();
-  return text.empty() ? "any" : text;
 }
 
 }  // namespace
@@ -279,6 +272,14 @@ Json opticsDocument(const ConfigCali& calibration) {
   return list;
 }
 
+std::string frameratesText(const Json& range) {
+  std::string text;
+  for (const Json& framerate : range["framerates"]) {
+    text += (text.empty() ? "" : ", ") + framerate.dump();
+  }
+  return text.empty() ? "any" : text;
+}
+
 std::vector<OpticsRow> opticsRows(const Json& optics) {
   std::vector<OpticsRow> rows;
   for (const Json& definition : optics) {
@@ -288,7 +289,7 @@ std::vector<OpticsRow> opticsRows(const Json& optics) {
     if (definition["ranges"].empty()) rows.push_back({fov, text, "none", "", "", ""});
     for (const Json& range : definition["ranges"]) {
       rows.push_back({fov, text, intervalText(range), intervalText(range["extended"]),
-                      range["decimals"].dump(), listText(range["framerates"])});
+                      range["decimals"].dump(), frameratesText(range)});
     }
   }
   return rows;

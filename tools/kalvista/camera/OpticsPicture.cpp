@@ -4,12 +4,14 @@
 #include <cmath>
 #include <limits>
 
+#include "camera/Calibration.h"
+#include "camera/OpticsChoice.h"
+
 namespace tool {
 namespace {
 
 constexpr double kMostSteps = 10;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kNotGiven = -100;  // the model's value of an extended limit that the file lacks
 constexpr std::size_t kBarWidth = 48;
 
 struct Interval {
@@ -30,7 +32,7 @@ std::optional<Interval> extendedOf(const Json& range) {
   Json extended = range["extended"];
   if (!extended.is_object()) return {};
   for (const char* limit : {"min", "max"}) {
-    if (extended[limit] == kNotGiven) extended[limit] = range[limit];
+    if (extended[limit] == kNotExtended) extended[limit] = range[limit];
   }
   return intervalOf(extended);
 }
@@ -66,14 +68,6 @@ std::string labelOf(const Json& range) {
   return text(range["min"]) + " to " + text(range["max"]) + " °C";
 }
 
-std::string frameratesOf(const Json& range) {
-  std::string text;
-  for (const Json& framerate : range["framerates"]) {
-    text += (text.empty() ? "" : ", ") + framerate.dump();
-  }
-  return text.empty() ? "any" : text;
-}
-
 class Painter {
  public:
   Painter(const Json& optics, const Json& params)
@@ -82,8 +76,7 @@ class Painter {
   CameraPicture paint() const {
     CameraPicture picture{scale_, {}};
     for (std::size_t i = 0; i < optics_.size(); ++i) {
-      const std::string text = optics_[i]["text"];
-      OpticsPicture one{optics_[i]["fov"].dump() + (text.empty() ? "" : " " + text), {}};
+      OpticsPicture one{opticsLabel(optics_[i]["fov"], optics_[i]["text"]), {}};
       for (const Json& range : optics_[i]["ranges"]) one.rows.push_back(rowOf(range));
       if (i == configured_.optics) mark(optics_[i]["ranges"], &one.rows);
       picture.optics.push_back(one);
@@ -115,7 +108,7 @@ class Painter {
 
   PictureRow rowOf(const Json& range) const {
     return {labelOf(range),
-            frameratesOf(range),
+            frameratesText(range),
             barOf(intervalOf(range)),
             barOf(extendedOf(range)),
             {},

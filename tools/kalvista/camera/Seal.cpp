@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 
 #include "answer/Failure.h"
@@ -61,7 +62,8 @@ Seal Seal::read(const std::string& directory, unsigned long serial) {
   const std::string path = directory + "/" + sealName(serial);
   seal.exists_ = seal.isWhole_ = access(path.c_str(), F_OK) == 0;
   // A device or a pipe is no seal, and could be read without end.
-  std::ifstream stream(sha256Of(path).empty() ? "" : path);
+  std::error_code error;
+  std::ifstream stream(std::filesystem::is_regular_file(path, error) ? path : "");
   for (std::string line; seal.isWhole_ && std::getline(stream, line);) {
     seal.readLine(stream.eof() ? "" : line);  // the last one was cut short
   }

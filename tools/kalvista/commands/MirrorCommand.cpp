@@ -128,7 +128,7 @@ Answer run(const CommonOptions& common, const OwnOptions& own) {
   }
   const std::string links = own.address.empty() ? "" : mirror.provideLinks(own.address);
   Answer answer = answerOf(mirror, own, serials.size());
-  answer.document["linksDocument"] = links.empty() ? Json() : Json(links);
+  answer.document["linksDocument"] = textOrNull(links);
   return answer;
 }
 

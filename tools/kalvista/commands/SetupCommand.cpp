@@ -141,7 +141,7 @@ Answer setUpEach(const CommonOptions& common, const OwnOptions& own,
       one.problem = failure.what();
     }
     one.document["serial"] = serial;
-    one.document["problem"] = one.problem.empty() ? Json() : Json(one.problem);
+    one.document["problem"] = textOrNull(one.problem);
     documents.push_back(one.document);
     for (const char* list : {"installed", "mended", "differing"}) {
       for (const Json& name : one.document.value(list, Json::array())) {

@@ -8,7 +8,6 @@
 #include <memory>
 #include <optional>
 
-#include "camera/Calibration.h"
 #include "camera/Configuration.h"
 #include "machine/Machine.h"
 #include "machine/Usb.h"
@@ -96,7 +95,8 @@ class Diagnostician {
       return {name, CheckStatus::Warn, "not checked, since no camera is known",
               "give a serial number"};
     }
-    const CalibrationStatus status = inspectCalibration(common_.calibrationDir, diagnosis_.serial);
+    diagnosis_.calibration = inspectCalibration(common_.calibrationDir, diagnosis_.serial);
+    const CalibrationStatus& status = *diagnosis_.calibration;
     isComplete_ = status.complete();
     if (!isComplete_) {
       return checkOf(name, CheckStatus::Fail,
@@ -143,8 +143,10 @@ class Diagnostician {
 
   void checkConfigurationFile(const std::string& path) {
     const std::string name = "configuration";
-    const ConfigurationCheck check =
+    diagnosis_.params = valuesDocument(configuration_->values);
+    diagnosis_.configuration =
         checkConfiguration(common_, diagnosis_.serial, path, *configuration_);
+    const ConfigurationCheck& check = *diagnosis_.configuration;
     for (const ConfigurationFinding& finding : check.findings) {
       add(name, finding.isFault ? CheckStatus::Fail : CheckStatus::Warn, sentenceOf(check, finding),
           finding.remedy);
@@ -201,7 +203,7 @@ Json documentsOf(const std::vector<Check>& checks) {
     documents.push_back({{"name", check.name},
                          {"status", statusText(check.status)},
                          {"finding", check.finding},
-                         {"remedy", check.remedy.empty() ? Json() : Json(check.remedy)}});
+                         {"remedy", textOrNull(check.remedy)}});
   }
   return documents;
 }

@@ -3,10 +3,12 @@
 #define KALVISTA_TOOL_CHECKS_H
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "answer/Output.h"
+#include "camera/Calibration.h"
 #include "diagnosis/ConfigurationCheck.h"
 #include "machine/CommonOptions.h"
 
@@ -25,6 +27,10 @@ struct Check {
 struct Diagnosis {
   unsigned long serial = 0;  // of the camera that was looked at; 0 when none is known
   std::vector<Check> checks;
+  // What was looked at, where it could be.
+  std::optional<CalibrationStatus> calibration;
+  std::optional<ConfigurationCheck> configuration;
+  Json params;  // values of the configuration; null without one
 
   std::size_t count(CheckStatus status) const;
 };

@@ -24,7 +24,6 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kWorkPrefix = ".kalvista-";
 constexpr mode_t kOrdinaryFileMode = 0666;  // less the user's mask
-constexpr mode_t kAllModes = 07777;
 constexpr std::size_t kLongestInput = 256U << 20U;
 
 [[noreturn]] void failToWrite(const std::string& path) {
@@ -119,6 +118,12 @@ std::string readStandardInput() {
                                             " MB; check where it comes from");
     }
   }
+}
+
+mode_t userMask() {
+  const mode_t mask = umask(0);
+  umask(mask);
+  return mask;
 }
 
 std::string pathOf(const Descriptor& file) {

@@ -2,6 +2,8 @@
 #ifndef KALVISTA_TOOL_FILES_H
 #define KALVISTA_TOOL_FILES_H
 
+#include <sys/types.h>
+
 #include <string>
 #include <string_view>
 #include <utility>
@@ -31,6 +33,9 @@ class Descriptor {
 std::string pathOf(const Descriptor& file);
 
 std::string readFile(const std::string& path);  // empty when it cannot be read
+
+constexpr mode_t kAllModes = 07777;
+mode_t userMask();
 
 // What a user names for standard input, or output, in place of a file.
 constexpr std::string_view kStandardStream = "-";

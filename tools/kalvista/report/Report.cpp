@@ -6,10 +6,8 @@
 #include <filesystem>
 
 #include "camera/Calibration.h"
-#include "camera/Configuration.h"
 #include "camera/Seal.h"
 #include "diagnosis/Checks.h"
-#include "diagnosis/ConfigurationCheck.h"
 #include "machine/System.h"
 #include "machine/Usb.h"
 #include "report/ConfigurationText.h"
@@ -55,31 +53,26 @@ void addCameras(Json* report) {
   }
 }
 
-Json calibrationDocument(const CommonOptions& common, unsigned long serial) {
+Json calibrationDocument(const CommonOptions& common, const Diagnosis& diagnosis) {
   std::error_code error;
-  if (serial == 0 || !std::filesystem::is_directory(common.calibrationDir, error)) return {};
-  const CalibrationStatus status = inspectCalibration(common.calibrationDir, serial);
+  const bool exists = std::filesystem::is_directory(common.calibrationDir, error);
+  if (!diagnosis.calibration || !exists) return {};
+  const CalibrationStatus& status = *diagnosis.calibration;
   const bool isReadable = status.files.front().state == FileState::Present;
-  const auto calibration = isReadable ? loadCalibration(common.calibrationDir, serial) : nullptr;
+  const auto calibration =
+      isReadable ? loadCalibration(common.calibrationDir, diagnosis.serial) : nullptr;
   return {{"complete", status.complete()},
-          {"sealed", Seal::read(common.calibrationDir, serial).exists()},
+          {"sealed", Seal::read(common.calibrationDir, diagnosis.serial).exists()},
           {"files", documentsOf(status.files)},
           {"optics", calibration ? opticsDocument(*calibration) : Json::array()}};
 }
 
-Json configurationDocument(const CommonOptions& common, unsigned long serial,
-                           const std::string& path) {
-  if (path.empty()) return {};
-  try {
-    const auto configuration = readConfiguration(path);
-    const ConfigurationCheck check = checkConfiguration(common, serial, path, *configuration);
-    Json document = documentOf(check);
-    document["params"] = valuesDocument(configuration->values);
-    document["lines"] = linesOf(check);
-    return document;
-  } catch (const Failure&) {
-    return {};
-  }
+Json configurationDocument(const Diagnosis& diagnosis) {
+  if (!diagnosis.configuration) return {};
+  Json document = documentOf(*diagnosis.configuration);
+  document["params"] = diagnosis.params;
+  document["lines"] = linesOf(*diagnosis.configuration);
+  return document;
 }
 
 }  // namespace
@@ -96,8 +89,8 @@ Json reportOn(const CommonOptions& common, unsigned long serial, const std::stri
   report["machine"] = machineDocument(common, user, full);
   addCameras(&report);
   report["checks"] = documentsOf(diagnosis.checks);
-  report["calibration"] = calibrationDocument(common, diagnosis.serial);
-  report["configuration"] = configurationDocument(common, diagnosis.serial, configuration);
+  report["calibration"] = calibrationDocument(common, diagnosis);
+  report["configuration"] = configurationDocument(diagnosis);
   // Texts of cameras and calibrations may be in any encoding; from here on all are in UTF-8.
   report = Json::parse(jsonText(report));
   if (full) return report;
