@@ -32,6 +32,16 @@ inline int loopbackSocket(int (*use)(int, const sockaddr*, socklen_t)) {
   return -1;
 }
 
+// The same, tried again for ten seconds, in which a server starts and one that ends lets go.
+inline int awaitLoopbackSocket(int (*use)(int, const sockaddr*, socklen_t)) {
+  for (int tries = 0; tries < 2000; ++tries) {
+    const int descriptor = loopbackSocket(use);
+    if (descriptor >= 0) return descriptor;
+    usleep(5000);
+  }
+  throw std::runtime_error("the port " + std::to_string(LOOPBACK_PORT) + " stays out of reach");
+}
+
 // An nginx of the test's own, which serves the folder "web" below its own.
 class WebServer {
  public:
@@ -52,21 +62,21 @@ class WebServer {
             "error.log", nullptr);
       _exit(127);
     }
-    int connection = -1;
-    while ((connection = loopbackSocket(connect)) < 0) {
-      if (waitpid(process_, nullptr, WNOHANG) != 0) {
-        throw std::runtime_error("nginx: " + support::readFile(folder_ + "error.log"));
-      }
-      usleep(5000);
+    try {
+      close(awaitLoopbackSocket(connect));
+    } catch (const std::runtime_error& error) {
+      end();
+      throw std::runtime_error(error.what() + ("; " + support::readFile(folder_ + "error.log")));
     }
-    close(connection);
   }
-  ~WebServer() {
+  ~WebServer() { end(); }
+
+ private:
+  void end() const {
     kill(process_, SIGTERM);
     waitpid(process_, nullptr, 0);
   }
 
- private:
   std::string folder_;
   pid_t process_;
 };
@@ -75,8 +85,7 @@ class WebServer {
 // server is gone, `last` is called.
 inline void answerAndBreakOff(const std::vector<std::string>& answers,
                               const std::function<void()>& last) {
-  int listener = -1;
-  while ((listener = loopbackSocket(bind)) < 0) usleep(5000);  // the one before may still end
+  const int listener = awaitLoopbackSocket(bind);  // the one before may still end
   listen(listener, SOMAXCONN);
   std::thread([=] {
     for (const std::string& answer : answers) {

@@ -303,7 +303,8 @@ class Acquisition(unittest.TestCase):
             with self.subTest(number), Server(SAMPLE, stuck) as server:
                 self.new()
                 process = self.start("download", SERIAL, "--mirror", server.address)
-                while not any(name in stuck for _, name in server.requests):
+                while process.poll() is None and not any(name in stuck
+                                                         for _, name in server.requests):
                     time.sleep(0.01)
                 process.send_signal(number)
                 process.communicate(timeout=NEVER)
