@@ -22,6 +22,7 @@ void holdAllocator() {
 }
 
 double sample(const Contestant& contestant, int repeats) {
+  if (contestant.prepare) contestant.prepare();
   malloc_trim(0);
   const double start = processorSeconds();
   for (int i = 0; i < repeats; ++i) contestant.run();

@@ -12,6 +12,7 @@ struct Contestant {
   std::string name;
   std::function<void()> run;
   int operationsPerRun = 1;
+  std::function<void()> prepare = nullptr;  // ahead of each sample, and not part of it
 };
 
 struct Effort {
