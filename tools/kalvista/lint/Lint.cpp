@@ -246,9 +246,10 @@ class ElementCheck : public ElementVisitor {
 
   // Between what can be seen of the value.
   bool holdsLineEnd(const Element& element) const {
-    const std::size_t ink = findInk(view_, element.contentBegin, element.contentEnd);
-    const std::size_t lineEnd = std::min(view_.find('\n', ink), element.contentEnd);
-    return findInk(view_, lineEnd, element.contentEnd) < element.contentEnd;
+    const std::string_view content =
+        std::string_view(view_).substr(0, element.contentEnd).substr(element.contentBegin);
+    const std::size_t lineEnd = content.find('\n', findInk(content, 0, content.size()));
+    return lineEnd != kNowhere && findInk(content, lineEnd, content.size()) < content.size();
   }
 
   void checkContent(const Element& element, const Place& place) {
