@@ -38,7 +38,7 @@ UNCOMPILED = 77
 # In namespaces of its own, so that two copies can use the same port and the same places in /tmp, and nothing outlives
 # its time. What a hung or greedy fault takes is bounded.
 STAGE = """cmake --build build --target {target} >/dev/null 2>&1 || exit {uncompiled}
-ulimit -v 8000000
+ulimit -d 8000000
 exec timeout --signal=KILL {seconds} unshare --net --mount --pid --fork --kill-child --mount-proc sh -c '
 mount -t tmpfs none /tmp && ip link set lo up && exec ctest --test-dir build --stop-on-failure "$@"' sh {tests}"""
 
