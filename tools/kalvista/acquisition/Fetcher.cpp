@@ -33,6 +33,16 @@ bool mayShareConnections() {
          isUnset("ALL_PROXY");
 }
 
+[[noreturn]] void failForDisk(const FetchResult& result, const std::string& address) {
+  if (result.fault == FetchFault::NoDisk) {
+    throw Failure(ExitCode::CouldNot, "the files cannot be written: " + result.cause +
+                                          "; check the disk, and try again");
+  }
+  throw Failure(ExitCode::CouldNot, "no space is left for the files: " + result.cause + "; " +
+                                        shownAddress(address) + " alone needs " +
+                                        bytesText(result.size) + ", make room and try again");
+}
+
 struct Job {
   const FetchRequest* request;
   FetchResult* result;
@@ -145,6 +155,7 @@ void Fetcher::Session::end(CURL* handle, CURLcode code, const std::string& cause
   curl_multi_remove_handle(multi_, handle);
   *job.result = job.transfer->finish(code);
   if (!cause.empty()) job.result->cause = cause;
+  if (job.result->fault >= FetchFault::NoSpace) failForDisk(*job.result, job.request->address);
   bytesDone_ += job.transfer->received();
   job.transfer.reset();
   if (job.result->fault == FetchFault::Passing && job.triesLeft > 0) {

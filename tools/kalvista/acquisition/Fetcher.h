@@ -30,8 +30,9 @@ enum class FetchFault {
   Refused,  // what came is not to be used, or the server refuses: another try gives the same
   Passing,  // the server is out of order, or the line broke
   // The same for all files:
-  NoServer,  // not found, does not answer as one, or the disk does not work
-  NoSpace
+  NoServer,  // not found, or does not answer as one
+  NoSpace,   // on the disk
+  NoDisk     // that takes the file
 };
 
 struct FetchResult {
@@ -45,7 +46,8 @@ struct FetchResult {
 // The extended attribute that keeps the tag with a file.
 constexpr const char* kTagAttribute = "user.kalvista.etag";
 
-// Keeps its connections from one call to the next. A call throws an Interruption on a signal.
+// Keeps its connections from one call to the next. A call throws an Interruption on a signal, and a
+// Failure when the disk does not take a file.
 class Fetcher {
  public:
   explicit Fetcher(const FetchLimits& limits);

@@ -39,6 +39,14 @@ bool isHeader(std::string_view line, std::string_view name) {
          strncasecmp(line.data(), name.data(), name.size()) == 0;
 }
 
+bool isAlike(std::string_view text, std::string_view word) {
+  return text.size() == word.size() && strncasecmp(text.data(), word.data(), word.size()) == 0;
+}
+
+FetchFault diskFault(int reason) {
+  return reason == ENOSPC || reason == EDQUOT ? FetchFault::NoSpace : FetchFault::NoDisk;
+}
+
 void allowWebOnly(CURL* handle) {
 #if LIBCURL_VERSION_NUM >= 0x075500
   curl_easy_setopt(handle, CURLOPT_PROTOCOLS_STR, "http,https");
@@ -104,9 +112,9 @@ void Transfer::readHeader(std::string_view line) {
     isChunked_ = isEncoded_ = false;
     tag_.clear();
   } else if (isHeader(line, "Transfer-Encoding")) {
-    isChunked_ = strncasecmp(value.data(), "chunked", value.size()) == 0;
+    isChunked_ = isAlike(value, "chunked");
   } else if (isHeader(line, "Content-Encoding")) {
-    isEncoded_ = strncasecmp(value.data(), "identity", value.size()) != 0;
+    isEncoded_ = !value.empty() && !isAlike(value, "identity");
   } else if (isHeader(line, "ETag")) {
     tag_ = value;
   }
@@ -144,7 +152,7 @@ bool Transfer::accept(std::string_view piece) {
   }
   if (file_.number() < 0) file_ = createFile(request_.path);
   if (file_.number() >= 0 && writeAll(file_.number(), piece)) return true;
-  ownFault_ = errno == ENOSPC || errno == EDQUOT ? FetchFault::NoSpace : FetchFault::NoServer;
+  ownFault_ = diskFault(errno);
   ownCause_ = std::strerror(errno);
   return false;
 }
@@ -218,7 +226,7 @@ FetchResult Transfer::finish(CURLcode code) {
     if (file_.number() < 0) file_ = createFile(request_.path);  // an empty one
     keepTimeAndTag(result);
     if (!file_.close()) {  // a network file system may tell only now
-      result.fault = FetchFault::NoSpace;
+      result.fault = diskFault(errno);
       result.cause = std::strerror(errno);
     }
   } else if (result.fault != FetchFault::None) {

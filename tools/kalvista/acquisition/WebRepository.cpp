@@ -6,7 +6,6 @@
 #include "acquisition/Address.h"
 #include "acquisition/LinksDocument.h"
 #include "answer/Console.h"
-#include "answer/Output.h"
 #include "camera/Seal.h"
 
 namespace tool {
@@ -46,11 +45,6 @@ void judge(const FetchResult& result, const std::string& address, unsigned long 
   if (result.fault == FetchFault::None) {
     delivery->state = Delivery::State::Brought;
     return;
-  }
-  if (result.fault == FetchFault::NoSpace) {
-    throw Failure(ExitCode::CouldNot, "no space is left for the files: " + result.cause + "; " +
-                                          shownAddress(address) + " alone needs " +
-                                          bytesText(result.size) + ", make room and try again");
   }
   const bool isAbsent = isAbsentHere(result, serial, delivery->name);
   delivery->state = isAbsent ? Delivery::State::Absent : Delivery::State::Failed;

@@ -13,6 +13,7 @@
 namespace tool {
 namespace {
 
+constexpr std::uintmax_t kLargest = 16U << 20U;
 constexpr std::string_view kHexadecimalDigits = "0123456789abcdef";
 // A backslash ahead of a line says that its name is written with escapes.
 constexpr char kEscape = '\\';
@@ -61,9 +62,12 @@ Seal Seal::read(const std::string& directory, unsigned long serial) {
   Seal seal;
   const std::string path = directory + "/" + sealName(serial);
   seal.exists_ = seal.isWhole_ = access(path.c_str(), F_OK) == 0;
-  // A device or a pipe is no seal, and could be read without end.
+  // A device or a pipe is no seal, and could be read without end; nor is a file that memory should
+  // not hold.
   std::error_code error;
-  std::ifstream stream(std::filesystem::is_regular_file(path, error) ? path : "");
+  const bool isReadable = std::filesystem::is_regular_file(path, error) &&
+                          std::filesystem::file_size(path, error) <= kLargest;
+  std::ifstream stream(isReadable ? path : "");
   for (std::string line; seal.isWhole_ && std::getline(stream, line);) {
     seal.readLine(stream.eof() ? "" : line);  // the last one was cut short
   }

@@ -119,6 +119,7 @@ BAD_ANSWERS = {
     "a part": (answer(HALF, f"Content-Length: {len(HALF)}", status="206 Part"), 3, "status 206"),
     "half": (answer(HALF, f"Content-Length: {len(BODY)}"), 3, "bytes remaining to read"),
     "half of unknown length": (answer(HALF), 3, "does not tell its length"),
+    "half of no encoding": (answer(HALF, "Transfer-Encoding: "), 3, "does not tell its length"),
     "half of pieces": (answer(b"5\r\nhello\r\n", "Transfer-Encoding: chunked"), 3, ""),
     "packed": (sized(b"\x1f\x8b\x08", "Content-Encoding: gzip"), 3, "compressed"),
     "packed in secret": (sized(b"\x1f\x8b\x08packed"), 1, "is compressed"),
