@@ -164,7 +164,8 @@ std::vector<std::string> spellings(const CLI::Option& option) {
 std::string bashCompletion(const CLI::App& tool) {
   std::string values;
   std::string words;
-  Texts withSerial, withFile;
+  Texts withSerial;
+  Texts withFile;
   std::vector<const CLI::App*> apps = listedCommands(tool);
   for (const CLI::App* command : apps) {
     words += "    " + command->get_name() + ") words+=' " + joined(allSpellings(*command), " ") +
