@@ -1,6 +1,7 @@
 #include "report/Page.h"
 
 #include <algorithm>
+#include <cctype>
 #include <kainjow/mustache.hpp>
 
 #include "camera/Calibration.h"
@@ -18,7 +19,7 @@ std::string shownText(std::string text) {
   text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
   for (std::size_t at = 0; at < text.size(); ++at) {
     const bool isControl =
-        (text[at] >= '\0' && text[at] < ' ' && text[at] != '\t') || text[at] == '\x7F';
+        std::iscntrl(static_cast<unsigned char>(text[at])) != 0 && text[at] != '\t';
     if (isControl) text.replace(at, 1, kReplacement);
   }
   return text;
