@@ -8,6 +8,7 @@
 #include "answer/Console.h"
 #include "answer/Failure.h"
 #include "camera/Calibration.h"
+#include "camera/OpticsChoice.h"
 #include "machine/Files.h"
 #include "machine/Paths.h"
 
@@ -81,14 +82,20 @@ Json valuesDocument(const ardo::IRDeviceParams& values) {
 }
 
 std::string defaultDocument(const CommonOptions& common, unsigned long serial) {
-  if (std::error_code error; !fs::is_directory(common.calibrationDir, error)) {
+  std::error_code error;
+  const bool exists = fs::is_directory(common.calibrationDir, error);
+  const auto calibration = exists ? loadCalibration(common.calibrationDir, serial) : nullptr;
+  if (!exists) {
     warn("the calibration directory " + common.calibrationDir +
          " does not exist or cannot be entered; the configuration names it all the same");
-  } else if (!loadCalibration(common.calibrationDir, serial)) {
+  } else if (!calibration) {
     warn("the calibration file " + calibrationXmlPath(common.calibrationDir, serial) +
          " cannot be loaded, so the optics in the configuration is a placeholder");
   }
-  return ardo::IRCalibrationManager::getInstance()->generateConfiguration(serial);
+  std::string document =
+      ardo::IRCalibrationManager::getInstance()->generateConfiguration(serial);
+  return calibration ? withUsableFramerate(std::move(document), *calibration->opticsList)
+                     : document;
 }
 
 bool writeDocument(const std::string& path, const std::string& document, bool force) {

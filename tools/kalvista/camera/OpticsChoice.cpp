@@ -122,6 +122,12 @@ std::string element(const std::string& indent, const std::string& name, const st
   return indent + "<" + name + ">" + text + "</" + name + ">\n";
 }
 
+void replaceFramerate(std::string* document, float framerate) {
+  const std::string_view opening = "<framerate>";
+  const std::size_t rate = document->rfind(opening) + opening.size();
+  document->replace(rate, document->find('<', rate) - rate, numberText(framerate));
+}
+
 bool isPlain(char character) {
   return std::isalnum(static_cast<unsigned char>(character)) != 0 ||
          std::string_view("-_.,:/+").find(character) != std::string_view::npos;
@@ -157,12 +163,18 @@ std::string shellWord(const std::string& text) {
   return word + "'";
 }
 
+std::string withUsableFramerate(std::string document, const OpticsList& calibrated) {
+  const auto selection = selectOptics(calibrated, {});
+  if (selection && selection->nearest.framerate != kDefaultFramerate) {
+    replaceFramerate(&document, selection->nearest.framerate);
+  }
+  return document;
+}
+
 std::string withChoice(std::string document, const OpticsChoice& choice) {
-  const std::string_view framerateBegin = "<framerate>";
   // The library writes optics and range as a comment that tells what could be written there.
   const std::size_t begin = document.find("  <!-- Uncomment");
-  const std::size_t rate = document.find(framerateBegin, begin) + framerateBegin.size();
-  document.replace(rate, document.find('<', rate) - rate, numberText(choice.framerate));
+  replaceFramerate(&document, choice.framerate);
   const std::size_t end = document.rfind("  <framerate>");
   std::string chosen = element("  ", "fov", std::to_string(choice.fov));
   if (!choice.text.empty()) chosen += element("  ", "optics_text", choice.text);
