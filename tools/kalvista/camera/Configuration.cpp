@@ -92,8 +92,7 @@ std::string defaultDocument(const CommonOptions& common, unsigned long serial) {
     warn("the calibration file " + calibrationXmlPath(common.calibrationDir, serial) +
          " cannot be loaded, so the optics in the configuration is a placeholder");
   }
-  std::string document =
-      ardo::IRCalibrationManager::getInstance()->generateConfiguration(serial);
+  std::string document = ardo::IRCalibrationManager::getInstance()->generateConfiguration(serial);
   return calibration ? withUsableFramerate(std::move(document), *calibration->opticsList)
                      : document;
 }

@@ -57,8 +57,8 @@ std::string shellWord(const std::string& text);
 
 // The options of "kalvista config" that make this choice.
 std::string optionsText(const OpticsChoice& choice);
-// The library's default document with a frame rate that its optics is calibrated for, which need not
-// be the library's.
+// The library's default document with a frame rate that its optics is calibrated for, which need
+// not be the library's.
 std::string withUsableFramerate(std::string defaultDocument, const OpticsList& calibrated);
 // The library's default document with this choice in it.
 std::string withChoice(std::string defaultDocument, const OpticsChoice& choice);
