@@ -128,8 +128,9 @@ class Mending {
   bool mendUnclosed(const std::string& expected) {
     const Element& innermost = parse_.open.back();
     report(innermost.begin, "not closed, " + expected);
+    if (parse_.open.size() == 1) return false;
     blankOpening(innermost);
-    return parse_.open.size() > 1;
+    return true;
   }
 
   bool mendMismatch() {
