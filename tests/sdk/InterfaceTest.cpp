@@ -194,11 +194,12 @@ TEST_F(Interface, Refusals) {
   ardo::_checkCaliFilesHelper("to", nullptr, "%s", nullptr, &size);
   ardo::_checkCaliFilesHelper("to", x_, none, nullptr, &size);
   ardo::_checkCaliFilesHelper("to", x_, "%s", nullptr, nullptr);
+  ardo::_checkCaliFilesHelper("to", x_, "%s", nullptr, &size);  // counts the name and its end
   int noRoom = 0;
   char* const list = reinterpret_cast<char*>(8);  // neither read nor written
   ardo::_checkCaliFilesHelper("to", x_, "%s", list, &noRoom);
   manager.checkCaliFiles("to", 7, list, &noRoom, "", "", "", "");
-  EXPECT_EQ(shown(size, noRoom, brivex::W2C(none) == nullptr), "9 0 true");
+  EXPECT_EQ(shown(size, noRoom, brivex::W2C(none) == nullptr), "11 0 true");
 
   fs::create_directory("gone");
   fs::current_path("gone");
