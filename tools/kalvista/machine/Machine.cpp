@@ -9,6 +9,9 @@
 namespace tool {
 namespace {
 
+// One that leads nowhere is listed as well.
+bool isUsable(unsigned flags) { return (flags & RTF_UP) != 0 && (flags & RTF_REJECT) == 0; }
+
 std::size_t countDefaultRoutes4() {
   std::ifstream table("/proc/net/route");
   table.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
@@ -21,7 +24,7 @@ std::size_t countDefaultRoutes4() {
   unsigned long mask = 0;
   while (table >> interface >> std::hex >> destination >> gateway >> flags >> rest >> rest >>
          rest >> mask) {
-    if (destination == 0 && mask == 0 && (flags & RTF_UP) != 0) ++count;
+    if (destination == 0 && mask == 0 && isUsable(flags)) ++count;
     table.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
   }
   return count;
@@ -38,8 +41,8 @@ std::size_t countDefaultRoutes6() {
   unsigned flags = 0;
   while (table >> destination >> std::hex >> length >> rest >> rest >> rest >> rest >> rest >>
          rest >> flags >> interface) {
-    const bool isUsable = (flags & RTF_UP) != 0 && (flags & RTF_REJECT) == 0;
-    if (length == 0 && isUsable && destination.find_first_not_of('0') == std::string::npos) ++count;
+    const bool isDefault = length == 0 && destination.find_first_not_of('0') == std::string::npos;
+    if (isDefault && isUsable(flags)) ++count;
   }
   return count;
 }

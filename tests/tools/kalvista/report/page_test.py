@@ -125,7 +125,9 @@ expect("Ready: all checks passed." in chosen and data["healthy"], "the sample ca
 expect("/mnt/home" not in chosen and "~/chosen.xml" in chosen, "the home directory is left out")
 expect(not re.search(r"\bjdoe\b|\botto\b", chosen + json.dumps(data)), "names are left out")
 expect("/media/USER/stick, from ~/old.xml; jdoes, said USER. " in chosen, "only names are left out")
-expect("/mnt/home/chosen.xml" in report("--config", "chosen.xml", "--full", "-o", "full.html"), "--full tells all")
+full = report("--config", "chosen.xml", "--full", "-o", "full.json")
+expect("/mnt/home/chosen.xml" in full and json.loads(full)["machine"]["user"], "--full tells all")
+expect(data["machine"]["user"] is None, "nothing tells the user")
 
 pathlib.Path("/mnt/camera/product").write_text(HOSTILE + "\n")
 cali = pathlib.Path("/usr/share/libkalvista/cali/Cali-12345678.xml")
