@@ -11,7 +11,7 @@ namespace {
 
 using support::outputOf;
 
-const std::string kTool = TOOL_FILE;
+const std::string kTool = "'" TOOL_FILE "'";  // paths may have blanks
 
 std::string generated(const std::string& kind) { return outputOf(kTool + " generate " + kind); }
 
@@ -51,7 +51,7 @@ TEST(GenerateTest, ItsReadersAcceptEachText) {
         shell, shell + " -n " + support::writeFile(folder.path() + "/" + shell, generated(shell)));
   }
   const std::string page = support::writeFile(folder.path() + "/kalvista.1", generated("man"));
-  expectAccepted("groff", "groff -man -ww -z " + page + " " MANUAL_PAGES "/*");
+  expectAccepted("groff", "groff -man -ww -z " + page + " '" MANUAL_PAGES "'/*");
   if (!missing.empty()) GTEST_SKIP() << "not installed:" << missing;
 }
 

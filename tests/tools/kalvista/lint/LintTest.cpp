@@ -7,7 +7,9 @@ using Lint = InFolder;
 
 namespace {
 
-const std::string kLint = std::string(TOOL_FILE) + " -v error lint ";
+// Paths may have blanks.
+const std::string kTool = "'" TOOL_FILE "' -v error ";
+const std::string kLint = kTool + "lint ";
 
 }  // namespace
 
@@ -23,8 +25,8 @@ TEST_F(Lint, Transcript) {
 
 TEST_F(Lint, TheSampleAndTheDefaultDocumentPass) {
   EXPECT_EQ(
-      outputOf(TOOL_FILE " -v error config 12345678 -o x.xml > /dev/null; " + kLint + "x.xml; " +
-               kLint + SAMPLE_CONFIGURATION "; find " SAMPLE_REPOSITORY " -name '*.xml' -exec " +
+      outputOf(kTool + "config 12345678 -o x.xml > /dev/null; " + kLint + "x.xml; " + kLint +
+               "'" SAMPLE_CONFIGURATION "'; find '" SAMPLE_REPOSITORY "' -name '*.xml' -exec " +
                kLint + "{} \\;"),
       "");
 }
@@ -40,10 +42,11 @@ TEST_F(Lint, TheSchemasAgree) {
       outputOf("sed '" + edit + "' " + sample + " > x.xml");
       const std::string line = outputOf(kLint + first);
       EXPECT_EQ(line.empty(), edit.empty()) << schema << ": " << edit;
-      EXPECT_EQ(line, outputOf("xmllint --noout --schema " SCHEMAS "/" + schema + first)) << edit;
+      EXPECT_EQ(line, outputOf("xmllint --noout --schema '" SCHEMAS "/" + schema + "'" + first))
+          << edit;
     }
   };
-  expectSame(SAMPLE_CONFIGURATION, "device-configuration.xsd",
+  expectSame("'" SAMPLE_CONFIGURATION "'", "device-configuration.xsd",
              {"", "s/>100</>010</", "s/>32.0</>32,5</", "s/fov>/fow>/g",
               "s/<focus>/<focus unit=\"percent\">/", "s/>50.0</>150</", "s/>macro</> macro</",
               "s/<average>.*/<min>1<\\/min>/", "s/<bispectral>.*/&&/", "s/<autoflag>/&x/"});
