@@ -17,8 +17,9 @@ is() {
 }
 
 for folder in /sys /run /mnt; do mount -t tmpfs tmpfs $folder; done
+ln -s "$tool" /mnt/kalvista  # its own path may have blanks
 for unit in kalvista-cameras.service kalvista-setup@.service; do
-  sed "s|^ExecStart=.*/kalvista |ExecStart=$tool |" "$services/$unit" >"/mnt/$unit"
+  sed 's|^ExecStart=.*/kalvista |ExecStart=/mnt/kalvista |' "$services/$unit" >"/mnt/$unit"
   is "verify $unit" '' "$(systemd-analyze --man=no verify "/mnt/$unit" 2>&1 || echo "status $?")"
 done
 is sandbox '' "$(systemd-analyze security --offline=true --threshold=25 /mnt/kalvista-setup@.service >/mnt/log ||
