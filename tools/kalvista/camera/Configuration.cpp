@@ -11,6 +11,7 @@
 #include "camera/OpticsChoice.h"
 #include "machine/Files.h"
 #include "machine/Paths.h"
+#include "machine/Usb.h"
 
 namespace tool {
 namespace {
@@ -56,6 +57,10 @@ std::unique_ptr<Configuration> readConfiguration(const std::string& path) {
   }
   requireFileReadable(path, "configuration file");
   return readAs("the file " + path, path);
+}
+
+unsigned long cameraOf(const ardo::IRDeviceParams& values) {
+  return values.serial <= kGreatestSerial ? static_cast<unsigned long>(values.serial) : 0;
 }
 
 Json valuesDocument(const ardo::IRDeviceParams& values) {

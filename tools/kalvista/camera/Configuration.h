@@ -28,6 +28,8 @@ struct Configuration {
 std::unique_ptr<Configuration> readConfiguration(const std::string& path);
 
 // In the order of the record, under the names of its fields.
+// The camera that it names; 0 when it names none, or a number beyond the library's limit.
+unsigned long cameraOf(const ardo::IRDeviceParams& values);
 Json valuesDocument(const ardo::IRDeviceParams& values);
 
 // Warns when there is no calibration to take the optics from.

@@ -49,7 +49,7 @@ class Diagnostician {
   void readConfigurationFile(const std::string& path) {
     try {
       configuration_ = readConfiguration(path);
-      if (diagnosis_.serial == 0) diagnosis_.serial = configuration_->values.serial;
+      if (diagnosis_.serial == 0) diagnosis_.serial = cameraOf(configuration_->values);
     } catch (const Failure& failure) {
       unreadable_ = checkOf("configuration", CheckStatus::Fail, failure.what());
     }

@@ -59,7 +59,7 @@ class Comparison {
       add(finding.offset, finding.path, finding.message, "mend it by hand");
     }
     const std::vector<unsigned long> calibrated = calibratedSerials(common_.calibrationDir);
-    unsigned long serial = wantedSerial != 0 ? wantedSerial : values_.serial;
+    unsigned long serial = wantedSerial != 0 ? wantedSerial : cameraOf(values_);
     if (serial == 0 && calibrated.size() == 1) serial = calibrated.front();
     if (serial != 0) compareWithCalibration(serial);
     if (check_.serial == 0 && !calibrated.empty()) reportNoCalibration(serial, calibrated);

@@ -45,7 +45,8 @@ void pauseFor(std::chrono::milliseconds time) {
   constexpr std::chrono::milliseconds kLook(100);
   for (; time.count() > 0; time -= kLook) {
     throwIfInterrupted();
-    const timespec pause{0, std::chrono::nanoseconds(std::min(time, kLook)).count()};
+    const auto nanoseconds = std::chrono::nanoseconds(std::min(time, kLook)).count();
+    const timespec pause{0, static_cast<long>(nanoseconds)};
     nanosleep(&pause, nullptr);
   }
   throwIfInterrupted();
