@@ -26,7 +26,7 @@ cmake -S "$work/built" -B "$work/built/build" -G Ninja -DCMAKE_BUILD_TYPE=Debug 
   -DKALVISTA_BUILD_EXAMPLES=OFF >"$work/log"
 # shellcheck disable=SC2086  # a command and its arguments
 ${RUN_BY:-} cmake --build "$work/built/build" >>"$work/log" || die "it does not build: $(tail -5 "$work/log")"
-# One copy more than there are processors, since tests wait now and then.
-for job in $(seq "$(($(nproc) + 1))"); do cp -a "$work/built" "$work/$job"; done
+# More copies than there are processors, since tests wait as long as they work.
+for job in $(seq "$((2 * $(nproc) + 1))"); do cp -a "$work/built" "$work/$job"; done
 step "Planting faults in $house"
 python3 "$root/scripts/mutants.py" "$work" "$house" "${2:-150}" "${3:-1}" "$root/scripts/mutants-equivalent.txt"

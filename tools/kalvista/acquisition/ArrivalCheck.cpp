@@ -62,11 +62,11 @@ long numberIn(ardo::SimpleXML& document, const char* name, int from, int limit) 
   return begin < 0 ? 0 : std::strtol(document.buffer + begin, nullptr, 10);
 }
 
-// The camera's number stands beside the optics or ahead of them; optics have numbers of their own.
+// Of a document with optics: the camera's number stands ahead of them or behind, and optics have
+// numbers of their own.
 bool namesAnotherSerial(ardo::SimpleXML& document, unsigned long serial) {
-  int opticsBegin = document.getKey("Temperature", 0, document.length, false);
-  int opticsEnd = document.getKey("Temperature", 0, document.length, true);
-  if (opticsBegin < 0 || opticsEnd < opticsBegin) opticsBegin = opticsEnd = document.length;
+  const int opticsBegin = document.getKey("Temperature", 0, document.length, false);
+  const int opticsEnd = document.getKey("Temperature", opticsBegin, document.length, true);
   for (const char* name : {"SerialNumber", "Serial"}) {
     for (const auto& [from, limit] : {std::pair(0, opticsBegin), {opticsEnd, document.length}}) {
       const long number = numberIn(document, name, from, limit);
