@@ -32,7 +32,7 @@ bool liesOnTheNetwork(int directory) {
 DirectoryLock::DirectoryLock(const std::string& directory)
     : directory_(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
       isHeld_(!liesOnTheNetwork(directory_.number())) {
-  if (directory_.number() < 0) {
+  if (!directory_.isOpen()) {
     throw Failure(ExitCode::CouldNot, "the directory " + directory + " cannot be opened: " +
                                           std::strerror(errno) + "; check its permissions");
   }

@@ -77,7 +77,7 @@ bool copyByBlocks(const SourceFile& source, int target, std::uintmax_t* done) {
 
 SourceFile openInside(const std::string& folder, const std::string& path) {
   const Descriptor place(open(path.c_str(), O_PATH | O_CLOEXEC));
-  if (place.number() < 0) return problemWith(path, std::strerror(errno));
+  if (!place.isOpen()) return problemWith(path, std::strerror(errno));
   struct stat status {};
   if (fstat(place.number(), &status) != 0) return problemWith(path, std::strerror(errno));
   if (!S_ISREG(status.st_mode)) return problemWith(path, "it is no regular file");
@@ -89,7 +89,7 @@ SourceFile openInside(const std::string& folder, const std::string& path) {
   }
   SourceFile file{Descriptor(open(pathOf(place).c_str(), O_RDONLY | O_CLOEXEC)),
                   static_cast<std::uintmax_t>(status.st_size), ""};
-  if (file.descriptor.number() < 0) return problemWith(path, std::strerror(errno));
+  if (!file.descriptor.isOpen()) return problemWith(path, std::strerror(errno));
   return file;
 }
 

@@ -106,8 +106,7 @@ std::vector<Delivery> FolderRepository::bring(unsigned long, const std::vector<W
     deliveries.push_back(find(file, &source));
     if (deliveries.back().state != Delivery::State::Brought) continue;
     const Descriptor target = createFile(work.pathOf(file.name));
-    const std::string cause =
-        target.number() < 0 ? std::strerror(errno) : copyContent(source, target);
+    const std::string cause = target.isOpen() ? copyContent(source, target) : std::strerror(errno);
     bytes += source.size;
     if (cause.empty()) continue;
     if (errno == ENOSPC || errno == EDQUOT) {

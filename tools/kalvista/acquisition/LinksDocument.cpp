@@ -1,7 +1,6 @@
 #include "acquisition/LinksDocument.h"
 
 #include <kalvista/SimpleXML.h>
-#include <unistd.h>
 
 #include <memory>
 
@@ -42,9 +41,9 @@ std::vector<std::string> fetchLinks(Fetcher& fetcher, const std::string& address
   const FetchResult result = fetcher.fetch(request);
   if (result.fault != FetchFault::None) fail(address, result.cause);
   ardo::SimpleXML document;
-  const bool isRead = document.open(request.path.c_str(), kRoot) && document.hasRoot();
-  unlink(request.path.c_str());
-  if (!isRead) fail(address, "it is no links document");
+  if (!document.open(request.path.c_str(), kRoot) || !document.hasRoot()) {
+    fail(address, "it is no links document");
+  }
   document.setNode();
   for (const char* name : {"Imager", "CaliData", "Links"}) {
     if (!document.setNode(name)) fail(address, std::string("it has no ") + name);

@@ -18,7 +18,7 @@ constexpr mode_t kReadableByAll = 0444;
 bool letAllReadOwn(const std::string& path) {
   const Descriptor file(open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
-  if (file.number() < 0 || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) ||
+  if (!file.isOpen() || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) ||
       status.st_uid != geteuid() || status.st_nlink != 1) {
     return false;
   }

@@ -150,8 +150,8 @@ bool Transfer::accept(std::string_view piece) {
     ownFault_ = FetchFault::Refused;
     return false;
   }
-  if (file_.number() < 0) file_ = createFile(request_.path);
-  if (file_.number() >= 0 && writeAll(file_.number(), piece)) return true;
+  if (!file_.isOpen()) file_ = createFile(request_.path);
+  if (file_.isOpen() && writeAll(file_.number(), piece)) return true;
   ownFault_ = diskFault(errno);
   ownCause_ = std::strerror(errno);
   return false;
@@ -223,7 +223,7 @@ FetchResult Transfer::finish(CURLcode code) {
   if (modified > 0) result.modified = static_cast<std::time_t>(modified);
   result.tag = tag_;
   if (result.fault == FetchFault::None && !request_.path.empty()) {
-    if (file_.number() < 0) file_ = createFile(request_.path);  // an empty one
+    if (!file_.isOpen()) file_ = createFile(request_.path);  // an empty one
     keepTimeAndTag(result);
     if (!file_.close()) {  // a network file system may tell only now
       result.fault = diskFault(errno);

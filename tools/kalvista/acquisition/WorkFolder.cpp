@@ -84,7 +84,7 @@ void letAllRead(const std::string& path) {
 
 void flushToDisk(const std::string& path) {
   const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file.number() < 0 || fsync(file.number()) != 0) failToWrite("the file " + path, errno);
+  if (!file.isOpen() || fsync(file.number()) != 0) failToWrite("the file " + path, errno);
 }
 
 // Many files go in one go with whatever else the file system has to write, since a disk takes its

@@ -87,7 +87,7 @@ void keepOwnerAndMode(const Descriptor& file, const struct stat& former) {
 }  // namespace
 
 bool Descriptor::close() {
-  if (number_ < 0) return true;
+  if (!isOpen()) return true;
   const int number = number_;
   number_ = -1;
   return ::close(number) == 0;
@@ -131,7 +131,7 @@ std::string pathOf(const Descriptor& file) {
 }
 
 MemoryFile::MemoryFile(std::string_view content) : file_(memfd_create("kalvista", MFD_CLOEXEC)) {
-  if (file_.number() >= 0 && writeAll(file_.number(), content)) return;
+  if (file_.isOpen() && writeAll(file_.number(), content)) return;
   throw Failure(ExitCode::CouldNot, std::string("memory for a document cannot be had: ") +
                                         std::strerror(errno) + "; end other programs");
 }
@@ -139,7 +139,7 @@ MemoryFile::MemoryFile(std::string_view content) : file_(memfd_create("kalvista"
 void writeFileWhole(const std::string& path, std::string_view content, bool replace) {
   std::string work;
   Descriptor file(openNewFile(parentOf(path), &work));
-  if (file.number() < 0) failToWrite(path);
+  if (!file.isOpen()) failToWrite(path);
   struct stat former {};
   if (replace && stat(path.c_str(), &former) == 0) keepOwnerAndMode(file, former);
   if (writeAll(file.number(), content) && fsync(file.number()) == 0 &&

@@ -23,6 +23,7 @@ class Descriptor {
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
   int number() const { return number_; }
+  bool isOpen() const { return number_ >= 0; }
   bool close();  // false when the system reports a delayed write error
 
  private:

@@ -38,7 +38,7 @@ void addLogFile(brivex::Logger& log) {
   const int made = open(path.c_str(), kAppend | O_CREAT | O_EXCL, kOrdinaryFileMode);
   const bool exists = made < 0 && errno == EEXIST;
   const Descriptor file(exists ? openExisting(path) : made);
-  if (file.number() < 0) refuse(path, errno == ELOOP ? "it is a link" : std::strerror(errno));
+  if (!file.isOpen()) refuse(path, errno == ELOOP ? "it is a link" : std::strerror(errno));
   if (exists && !isOwnFile(file)) refuse(path, "it belongs to someone else");
   // By the open file, not by its name: another file may have that by now.
   log.stream.open(pathOf(file), std::ios::out | std::ios::app);

@@ -110,26 +110,39 @@ def seal(files):
 
 
 HALF = BODY[:len(BODY) // 2]
-# What a server answers for one file, the exit status, and a part of the sentence. Nothing of that
-# name may arrive.
+FILE = f"/12/1234/Califiles%20SN{SERIAL}/{ONE}: "
+NETWORK = '; check the network and the proxy, or use "kalvista copy"\n'
+ELSEWHERE = "; get a whole one from elsewhere\n"
+UNTOLD = f"{FILE}the answer does not tell its length, so that a broken line could not be noticed{NETWORK}"
+PAGE = f": the file that came is a web page instead of calibration data{ELSEWHERE}"
+TOO_SLOW = f"{FILE}less than 100 bytes a second arrived for 2 seconds, the limit of --timeout{NETWORK}"
+# What a server answers for one file, the exit status, and what the sentence says behind the address
+# of the server, or a part of it where the system words it. Nothing of that name may arrive.
 BAD_ANSWERS = {
-    "absent": (answer(b"no", "Content-Length: 2", status="404 Not Found"), 1, "status 404"),
-    "forbidden": (answer(b"", "Content-Length: 0", status="403 No"), 3, "status 403"),
-    "out of order": (answer(b"", "Content-Length: 0", status="503 Later"), 3, "status 503"),
-    "a part": (answer(HALF, f"Content-Length: {len(HALF)}", status="206 Part"), 3, "status 206"),
+    "absent": (answer(b"no", "Content-Length: 2", status="404 Not Found"), 1,
+               f"{FILE}the server answered with status 404; check the serial number, or get the "
+               "calibration from elsewhere\n"),
+    "forbidden": (answer(b"", "Content-Length: 0", status="403 No"), 3,
+                  f"{FILE}the server answered with status 403{NETWORK}"),
+    "out of order": (answer(b"", "Content-Length: 0", status="503 Later"), 3,
+                     f"{FILE}the server answered with status 503{NETWORK}"),
+    "a part": (answer(HALF, f"Content-Length: {len(HALF)}", status="206 Part"), 3,
+               f"{FILE}the server answered with status 206{NETWORK}"),
     "half": (answer(HALF, f"Content-Length: {len(BODY)}"), 3, "bytes remaining to read"),
-    "half of unknown length": (answer(HALF), 3, "does not tell its length"),
-    "half of no encoding": (answer(HALF, "Transfer-Encoding: "), 3, "does not tell its length"),
-    "half of pieces": (answer(b"5\r\nhello\r\n", "Transfer-Encoding: chunked"), 3, ""),
-    "packed": (sized(b"\x1f\x8b\x08", "Content-Encoding: gzip"), 3, "compressed"),
-    "packed in secret": (sized(b"\x1f\x8b\x08packed"), 1, "is compressed"),
-    "a page": (sized(b" \t\r\n<HTML>Sign in</HTML>"), 1, "is a web page"),
-    "a page of XHTML": (sized(b'\xef\xbb\xbf<?xml version="1.0"?><!-- x --><html xmlns="x">'), 1,
-                        "is a web page"),
-    "empty": (sized(b""), 1, "is empty"),
-    "drops": (drip, 3, "--timeout"),
-    "silence": (lambda handler: time.sleep(NEVER), 3, "--timeout"),
-    "too much": (answer(b"x", "Content-Length: 1000001"), 3, "--max-size"),
+    "half of unknown length": (answer(HALF), 3, UNTOLD),
+    "half of no encoding": (answer(HALF, "Transfer-Encoding: "), 3, UNTOLD),
+    "half of pieces": (answer(b"5\r\nhello\r\n", "Transfer-Encoding: chunked"), 3, NETWORK[:-1]),
+    "packed": (sized(b"\x1f\x8b\x08", "Content-Encoding: gzip"), 3,
+               f"{FILE}the answer is compressed, though that was not asked for{NETWORK}"),
+    "packed in secret": (sized(b"\x1f\x8b\x08packed"), 1,
+                         f": the file that came is compressed{ELSEWHERE}"),
+    "a page": (sized(b" \t\r\n<HTML>Sign in</HTML>"), 1, PAGE),
+    "a page of XHTML": (sized(b'\xef\xbb\xbf<?xml version="1.0"?><!-- x --><html xmlns="x">'), 1, PAGE),
+    "empty": (sized(b""), 1, f": the file that came is empty{ELSEWHERE}"),
+    "drops": (drip, 3, TOO_SLOW),
+    "silence": (lambda handler: time.sleep(NEVER), 3, TOO_SLOW),
+    "too much": (answer(b"x", "Content-Length: 1000001"), 3,
+                 f"{FILE}the file is larger than 1.0 MB, the limit of --max-size{NETWORK}"),
     "another protocol": (to("ftp://127.0.0.1/x"), 3, "ftp"),
     "a file of this machine": (to("file:///etc/passwd"), 3, "file"),
     "round and round": (to("x"), 3, "redirects"),
@@ -170,13 +183,16 @@ class Acquisition(unittest.TestCase):
 
     def test_bad_answers(self):
         others = {name: body for name, body in SAMPLE.items() if name != ONE}
-        for kind, (odd, status, part) in BAD_ANSWERS.items():
+        for kind, (odd, status, words) in BAD_ANSWERS.items():
             with self.subTest(kind), Server(SAMPLE, {ONE: odd, "x": odd}) as server:
                 self.new()
                 options = ("--timeout", "2", "--max-size", "1")
                 code, _, err = self.download(server, *options)
                 self.assertEqual(code, status, err)
-                self.assertIn(part, err)
+                head = f"kalvista: the file {ONE} of camera {SERIAL} could not be had: {server.address}"
+                if words.endswith("\n"):
+                    self.assertEqual(err, head + words)
+                self.assertIn(words, err)
                 self.assertIn(ONE, err)
                 self.assertFalse(any(ord(letter) < 32 and letter != "\n" for letter in err), err)
                 self.assertLessEqual(err.count("\n"), 3, err)
