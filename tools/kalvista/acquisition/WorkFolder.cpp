@@ -18,10 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kNamePrefix = ".kalvista-work-";
 constexpr const char* kMark = ".made-by-kalvista";
 constexpr mode_t kOwnerOnly = 0600;
-constexpr mode_t kOrdinaryFileMode = 0666;  // less the user's mask
 
 [[noreturn]] void failToWrite(const std::string& what, int reason) {
   const bool isFull = reason == ENOSPC || reason == EDQUOT;
@@ -61,13 +59,13 @@ void clearLeftovers(const std::string& directory) {
   std::error_code error;
   for (const fs::directory_entry& entry : fs::directory_iterator(directory, error)) {
     const std::string name = entry.path().filename().string();
-    if (name.compare(0, kNamePrefix.size(), kNamePrefix) != 0) continue;
+    if (name.compare(0, kWorkPrefix.size(), kWorkPrefix) != 0) continue;
     if (isOurs(entry.path().string())) removeFolder(entry.path().string());
   }
 }
 
 std::string makeFolder(const std::string& directory) {
-  std::string path = directory + "/" + std::string(kNamePrefix) + "XXXXXX";
+  std::string path = directory + "/" + std::string(kWorkPrefix) + "XXXXXX";
   if (mkdtemp(path.data()) == nullptr) failToWrite("the directory " + directory, errno);
   struct stat status {};
   const Descriptor mark = createFile(path + "/" + kMark);

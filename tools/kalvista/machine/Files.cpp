@@ -22,8 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view kWorkPrefix = ".kalvista-";
-constexpr mode_t kOrdinaryFileMode = 0666;  // less the user's mask
 constexpr std::size_t kLongestInput = 256U << 20U;
 
 [[noreturn]] void failToWrite(const std::string& path) {
@@ -49,7 +47,7 @@ std::string unguessableName(const std::string& directory) {
   std::uint64_t number = 0;
   while (getrandom(&number, sizeof number, 0) != sizeof number) {
   }
-  return directory + "/" + std::string(kWorkPrefix) + "new-" + std::to_string(number) + ".part";
+  return directory + "/" + std::string(kWorkPrefix) + std::to_string(number) + ".part";
 }
 
 // A file that is to be written and named; `name` is empty as long as it has none.

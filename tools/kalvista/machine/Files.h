@@ -35,7 +35,11 @@ std::string pathOf(const Descriptor& file);
 
 std::string readFile(const std::string& path);  // empty when it cannot be read
 
+// Of the hidden names of what lies in a user's folder for a time only.
+constexpr std::string_view kWorkPrefix = ".kalvista-work-";
+
 constexpr mode_t kAllModes = 07777;
+constexpr mode_t kOrdinaryFileMode = 0666;  // less the user's mask
 mode_t userMask();
 
 // What a user names for standard input, or output, in place of a file.

@@ -13,7 +13,6 @@
 namespace tool {
 namespace {
 
-constexpr mode_t kOrdinaryFileMode = 0666;  // less the user's mask
 constexpr int kAppend = O_WRONLY | O_APPEND | O_NOFOLLOW | O_CLOEXEC;
 
 [[noreturn]] void refuse(const std::string& path, const std::string& reason) {
