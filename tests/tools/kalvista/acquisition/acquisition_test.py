@@ -422,12 +422,16 @@ class Acquisition(unittest.TestCase):
                 ["mount", "-t", "tmpfs", "-o", "size=64k", "tmpfs", "cali"], check=False).returncode:
             self.skipTest("a small disk needs root")
         self.addCleanup(subprocess.run, ["umount", "cali"], check=True)
-        for from_where in (["copy", SERIAL, "repository"],
-                           ["download", SERIAL, "--mirror", Server(SAMPLE).address]):
+        address = Server(SAMPLE).address
+        for from_where, words in (
+                (["copy", SERIAL, "repository"],
+                 r"[\d.]+ kB are needed, and [\d.]+ (bytes|kB) are free;"),
+                (["download", SERIAL, "--mirror", address],
+                 rf"No space left on device; {address}/\S+ alone needs [\d.]+ (bytes|kB),")):
             code, _, err = self.run_tool(*from_where)
             self.assertEqual(code, 3, err)
-            self.assertIn("no space is left", err)
-            self.assertRegex(err, r"need(s|ed)")
+            self.assertRegex(err, "^kalvista: no space is left for the files: "
+                                  rf"{words} make room and try again\n$")
             self.assertTrue(self.held().items() <= SAMPLE.items())
 
 
