@@ -58,6 +58,7 @@ FolderRepository::FolderRepository(const std::string& folder) : folder_(folder) 
     std::error_code ignored;
     if (!entries->is_directory(ignored)) paths_[name].push_back(entries->path().string());
   }
+  for (auto& [name, paths] : paths_) std::sort(paths.begin(), paths.end());
   if (!error) return;
   throw Failure(ExitCode::CouldNot, "the repository " + folder + " cannot be searched: " +
                                         error.message() + "; check it, or name a part of it");

@@ -34,8 +34,7 @@ constexpr std::size_t kLongestInput = 256U << 20U;
 // moment between the look and the renaming.
 bool nameUnlessTaken(const std::string& from, const std::string& to) {
   if (link(from.c_str(), to.c_str()) == 0) return unlink(from.c_str()) == 0;
-  if (errno == EEXIST) return false;
-  if (access(to.c_str(), F_OK) == 0) {
+  if (faccessat(AT_FDCWD, to.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0) {
     errno = EEXIST;
     return false;
   }
