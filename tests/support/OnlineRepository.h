@@ -2,6 +2,7 @@
 #ifndef KALVISTA_TESTS_SUPPORT_ONLINE_REPOSITORY_H
 #define KALVISTA_TESTS_SUPPORT_ONLINE_REPOSITORY_H
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -48,8 +49,14 @@ inline std::string linksDocument(const std::string& links) {
 struct OwnMachine {
   OwnMachine() {
     std::filesystem::current_path("/");
-    isOwn = enterOwnNamespaces(CLONE_NEWNS | CLONE_NEWNET) && mountTmpfs("/tmp") &&
-            std::system("ip link set lo up") == 0;
+    if (!enterOwnNamespaces(CLONE_NEWNS | CLONE_NEWNET)) return;
+    const int build = open(BUILD_FOLDER, O_PATH | O_CLOEXEC);
+    isOwn = mountTmpfs("/tmp") && std::system("ip link set lo up") == 0;
+    // An emulator looks for the programs where they were built, which may be a folder in /tmp.
+    std::error_code error;
+    if (!isOwn || !std::filesystem::create_directories(BUILD_FOLDER, error)) return;
+    const std::string source = "/proc/self/fd/" + std::to_string(build);
+    mount(source.c_str(), BUILD_FOLDER, nullptr, MS_BIND | MS_REC, nullptr);
   }
   ~OwnMachine() {
     if (isOwn) umount2("/tmp", MNT_DETACH);
