@@ -129,18 +129,22 @@ TEST_F(ToolTest, LinksDocuments) {
   publish("12345678", sample);
   const std::string elsewhere = "<string>http://127.0.0.1:9</string>";
   const std::string foreign = "<string>ftp://127.0.0.1/x</string>";
+  const std::string head = "kalvista: the online repository cannot be used: its links document " +
+                           kServer + "/downloadlinks.xml: ";
+  const std::string tail = "; check the network and the proxy, or use \"kalvista copy\"\n";
   struct Row {
     std::string document;
     int exitCode;
     std::string part;
   };
-  for (const Row& row :
-       std::vector<Row>{{"<html>Sign in</html>", 3, "is no links document"},
-                        {nest({"DownloadLinks", "Imager"}, ""), 3, "has no CaliData"},
-                        {linksDocument(""), 3, "names no repository"},
-                        {linksDocument(foreign), 3, "is no http or https address"},
-                        {linksDocument(elsewhere), 3, "127.0.0.1:9"},
-                        {linksDocument(kLink), 0, ""}}) {
+  for (const Row& row : std::vector<Row>{
+           {"<html>Sign in</html>", 3, head + "it is no links document" + tail},
+           {nest({"DownloadLinks", "Imager"}, ""), 3, head + "it has no CaliData" + tail},
+           {linksDocument(""), 3, head + "it names no repository" + tail},
+           {linksDocument(foreign), 3,
+            ": ftp://127.0.0.1/x: it is no http or https address" + tail},
+           {linksDocument(elsewhere), 3, "127.0.0.1:9"},
+           {linksDocument(kLink), 0, ""}}) {
     serve(row.document);
     const ToolRun ended = run(download, "env PATH=/nowhere");
     EXPECT_EQ(ended.exitCode, row.exitCode) << row.document << ended.err;
