@@ -3,6 +3,7 @@
 # the tool and the documentation, and the source package that they are made from.
 #   scripts/package.sh [--arch ARCH] [--links-url URL] [--documentation-url URL] [--product-id ID]
 #     --arch ARCH              for another processor, arm64, armhf or s390x: all but the documentation
+#                              and the Python package
 #     --links-url URL          the document that names the online repositories
 #     --documentation-url URL  the documentation, written into default configurations
 #     --product-id ID          the USB product id of the supported cameras
@@ -66,7 +67,7 @@ if [[ -n $foreign ]]; then
   # These paths may have no blanks either.
   ln -s "$root/build-$foreign" "$work/foreign"
   export CMAKE_TOOLCHAIN_FILE=$work/foreign/toolchain.cmake KALVISTA_SYSROOT=$work/foreign/sysroot
-  options+=(--host-arch "$foreign" "--build=source,any" -d)
+  options+=(--host-arch "$foreign" --build-profiles=cross,nocheck "--build=source,any" -d)
 fi
 (cd "$source" && dpkg-buildpackage "${options[@]}") >"$packages/build.log" 2>&1 ||
   { grep -A 3 'CMake Error' "$packages/build.log" || true; die "the build failed; see build-package/build.log"; }
