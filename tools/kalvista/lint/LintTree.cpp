@@ -211,8 +211,9 @@ std::size_t behindAttribute(std::string_view view, std::size_t at) {
   const std::size_t name = findInk(view, at, view.size());
   std::size_t nameEnd = name;
   while (nameEnd < view.size() && isOfName(view[nameEnd])) ++nameEnd;
-  if (name == at || name == nameEnd || std::isdigit(static_cast<unsigned char>(view[name])) != 0)
+  if (name == at || name == nameEnd || std::isdigit(static_cast<unsigned char>(view[name])) != 0) {
     return kNowhere;
+  }
   const std::size_t equals = findInk(view, nameEnd, view.size());
   if (equals == view.size() || view[equals] != '=') return kNowhere;
   const std::size_t quote = findInk(view, equals + 1, view.size());
