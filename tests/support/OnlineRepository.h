@@ -50,18 +50,26 @@ struct OwnMachine {
   OwnMachine() {
     std::filesystem::current_path("/");
     if (!enterOwnNamespaces(CLONE_NEWNS | CLONE_NEWNET)) return;
+    const int source = open(SOURCE_FOLDER, O_PATH | O_CLOEXEC);
     const int build = open(BUILD_FOLDER, O_PATH | O_CLOEXEC);
     isOwn = mountTmpfs("/tmp") && std::system("ip link set lo up") == 0;
-    // An emulator looks for the programs where they were built, which may be a folder in /tmp.
-    std::error_code error;
-    if (!isOwn || !std::filesystem::create_directories(BUILD_FOLDER, error)) return;
-    const std::string source = "/proc/self/fd/" + std::to_string(build);
-    mount(source.c_str(), BUILD_FOLDER, nullptr, MS_BIND | MS_REC, nullptr);
+    if (!isOwn) return;
+    keepInSight(SOURCE_FOLDER, source);
+    keepInSight(BUILD_FOLDER, build);
   }
   ~OwnMachine() {
     if (isOwn) umount2("/tmp", MNT_DETACH);
   }
   bool isOwn = false;
+
+ private:
+  // What is read and started may itself lie in /tmp.
+  static void keepInSight(const char* folder, int opened) {
+    std::error_code error;
+    if (!std::filesystem::create_directories(folder, error)) return;
+    const std::string from = "/proc/self/fd/" + std::to_string(opened);
+    mount(from.c_str(), folder, nullptr, MS_BIND | MS_REC, nullptr);
+  }
 };
 
 class OnlineRepositoryFixture : public ::testing::Test {

@@ -29,8 +29,8 @@ std::string cutOff(std::string& text, const std::string& separator) {
 
 }  // namespace
 
-void runTranscript(const std::string& name, const Commands& commands,
-                   const std::string& transcript) {
+void runTranscript(const std::string& name, const Commands& commands) {
+  const std::string transcript = readFile(TRANSCRIPTS "/" + name);
   ASSERT_NE(transcript, "");
   for (std::string line : linesOf(std::regex_replace(transcript, std::regex("\n>"), "\\n"))) {
     if (line.empty() || line.front() == '#') continue;

@@ -59,11 +59,7 @@ struct Argument {
 
 using Commands = std::map<std::string, std::function<std::string(std::vector<Argument>&)>>;
 
-void runTranscript(const std::string& name, const Commands& commands,
-                   const std::string& transcript);
-inline void runTranscript(const std::string& name, const Commands& commands) {
-  runTranscript(name, commands, readFile(TRANSCRIPTS "/" + name));
-}
+void runTranscript(const std::string& name, const Commands& commands);
 
 // Values with blanks between. Records that a query hands out are released.
 template <typename... Values>

@@ -11,12 +11,6 @@ namespace {
 
 using ::testing::HasSubstr;
 
-const std::string sampleConfiguration = support::readFile(SAMPLE_CONFIGURATION);
-// Taken before the build, which may be a folder in /tmp, is out of sight.
-const std::string transcript = support::readFile(TRANSCRIPTS "/tools/kalvista/tool.txt");
-const std::string cameraTranscript = support::readFile(TRANSCRIPTS "/tools/kalvista/camera.txt");
-const int tool = open(TOOL_FILE, O_RDONLY | O_CLOEXEC);
-
 struct ToolRun {
   int exitCode;
   std::string out;
@@ -47,13 +41,13 @@ class ToolTest : public OnlineRepositoryFixture {
  protected:
   void SetUp() override {
     OnlineRepositoryFixture::SetUp();
-    fs::copy_file("/proc/self/fd/" + std::to_string(tool), "kalvista");
+    fs::copy_file(TOOL_FILE, "kalvista");
     writeAll("full", sample);
     writeAll("hollow", sample);
     std::ofstream("hollow/Cali-12345678-33-0-250-27.dat");
     writeAll("repository/12/1234", sample);
     for (const char* folder : {"none", "new"}) fs::create_directory(folder);
-    support::writeFile("imager.xml", sampleConfiguration);
+    fs::copy_file(SAMPLE_CONFIGURATION, "imager.xml");
   }
 };
 
@@ -74,7 +68,7 @@ TEST_F(ToolTest, Transcript) {
   };
   publish("12345678", sample);
   serve(linksDocument(kLink));
-  runTranscript("tool.txt", on, transcript);
+  runTranscript("tools/kalvista/tool.txt", on);
 }
 
 TEST_F(ToolTest, SetupTwiceChangesNothing) {
@@ -104,7 +98,7 @@ TEST_F(ToolTest, AttachedCamera) {
     usb::attach("1-" + a[1].text, usb::camera(a[0].text, a[1].text, a.size() < 3));
     return "";
   };
-  runTranscript("camera.txt", on, cameraTranscript);
+  runTranscript("tools/kalvista/camera.txt", on);
 }
 
 TEST_F(ToolTest, DiskFull) {
