@@ -67,7 +67,7 @@ if [[ -n $foreign ]]; then
   # These paths may have no blanks either.
   ln -s "$root/build-$foreign" "$work/foreign"
   export CMAKE_TOOLCHAIN_FILE=$work/foreign/toolchain.cmake KALVISTA_SYSROOT=$work/foreign/sysroot
-  options+=(--host-arch "$foreign" --build-profiles=cross,nocheck "--build=source,any" -d)
+  options+=(--host-arch "$foreign" "--build-profiles=cross,nocheck" "--build=source,any" -d)
 fi
 (cd "$source" && dpkg-buildpackage "${options[@]}") >"$packages/build.log" 2>&1 ||
   { grep -A 3 'CMake Error' "$packages/build.log" || true; die "the build failed; see build-package/build.log"; }
