@@ -14,9 +14,7 @@ namespace {
 // Appends to a buffer of fixed size; what does not fit is cut off.
 class BoundedText {
  public:
-  BoundedText(char* buffer, std::size_t capacity) : fill_(buffer), last_(buffer + capacity - 1) {
-    *fill_ = '\0';
-  }
+  BoundedText(char* buffer, std::size_t capacity) : fill_(buffer), last_(buffer + capacity - 1) {}
 
   BoundedText& append(std::string_view text) {
     const std::size_t count = std::min(text.size(), static_cast<std::size_t>(last_ - fill_));

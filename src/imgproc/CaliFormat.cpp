@@ -232,10 +232,10 @@ constexpr bool everyNameHasItsSlot() {
 }
 static_assert(everyNameHasItsSlot());
 
+// A slot that is empty leads to the first rule, whose name is another then.
 constexpr std::array<std::uint8_t, kSlots> fillSlots() {
   std::array<std::uint8_t, kSlots> slots{};
-  for (std::uint8_t& slot : slots) slot = kNoElement;
-  for (std::size_t i = 0; i < kRules.size(); ++i) {
+  for (std::size_t i = 1; i < kRules.size(); ++i) {
     slots[slotOf(kRules[i].name)] = static_cast<std::uint8_t>(i);
   }
   return slots;
@@ -245,12 +245,12 @@ constexpr std::array<std::uint8_t, kSlots> kElementInSlot = fillSlots();
 
 }  // namespace
 
-const std::array<ElementRule, kElementCount> kElementRules = withFamilies(kRules);
+constexpr std::array<ElementRule, kElementCount> kElementRules = withFamilies(kRules);
 
 std::size_t elementNamed(std::string_view name) {
   if (name.empty()) return kNoElement;
   const std::size_t element = kElementInSlot[slotOf(name)];
-  return element != kNoElement && kRules[element].name == name ? element : kNoElement;
+  return kRules[element].name == name ? element : kNoElement;
 }
 
 }  // namespace cali

@@ -90,8 +90,7 @@ class Line {
     char* to = put(put(put(begin(), head), "["), source);
     to = put(put(put(to, ":"), number), "] @ ");
     to = put(put(putSeconds(to, elapsed), "s :"), message);
-    end_ = put(to, "\n");
-    *end_ = '\0';
+    end_ = put(to, "\n");  // of the room, all behind it is zero
   }
 
   const char* c_str() const { return long_.empty() ? short_.data() : long_.data(); }
@@ -131,10 +130,9 @@ bool consoleTakes(const Logger& log, unsigned int level) {
 // Threads may come here together: one instance is kept.
 [[gnu::noinline]] Logger* makeInstance() {
   std::unique_ptr<Logger> made(new (std::nothrow) Logger);
-  Logger* kept = nullptr;
-  const bool first = __atomic_compare_exchange_n(&Logger::m_, &kept, made.get(), false,
-                                                 __ATOMIC_ACQ_REL, __ATOMIC_ACQUIRE);
-  return first ? made.release() : kept;
+  Logger* const none = nullptr;
+  Logger* const kept = __sync_val_compare_and_swap(&Logger::m_, none, made.get());
+  return kept == nullptr ? made.release() : kept;
 }
 
 [[gnu::noinline]] void reportNotConfigured(const Logger& log, std::string_view source, int line) {

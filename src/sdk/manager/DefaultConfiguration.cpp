@@ -24,12 +24,7 @@ FirstOptics readFirstOptics(const std::string& file) {
   document.setNode();
   for (const char* level : {"Temperature", "Optics", "OpticsDef"}) document.setNode(level);
   document.getInt("FOV", &first.fieldOfView);
-
-  document.setNode();
-  for (const char* level :
-       {"Temperature", "Optics", "OpticsDef", "TempRanges", "TemperatureRange"}) {
-    document.setNode(level);
-  }
+  for (const char* level : {"TempRanges", "TemperatureRange"}) document.setNode(level);
   document.getInt("TempLo", &first.lowest);
   document.getInt("TempHi", &first.highest);
   return first;

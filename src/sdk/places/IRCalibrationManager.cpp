@@ -97,8 +97,8 @@ bool IRCalibrationManager::createConfigFilepath(char* path, const char* dir, sho
 }
 
 bool ConfigPath::form(const char* dir, const char* name, const char* ext) {
-  if (dir == nullptr || name == nullptr || ext == nullptr) return false;
-  const char* end = startWithDirectory(path_.data(), dir, kPathLimit);
+  const bool given = dir != nullptr && name != nullptr;
+  const char* end = given ? startWithDirectory(path_.data(), dir, kPathLimit) : nullptr;
   if (end == nullptr) return false;
   directoryLength_ = static_cast<std::size_t>(end - path_.data());
   appendFile(path_.data() + directoryLength_, kPathLimit, name, ext);

@@ -97,9 +97,8 @@ namespace brivex {
 const char* W2C(const char* s) { return s; }
 
 const char* W2C(const wchar_t* s) {
-  static char converted[1024];
+  static char converted[1024];  // of which the last stays zero
   std::wcstombs(converted, s, sizeof(converted) - 1);
-  converted[sizeof(converted) - 1] = '\0';
   return converted;
 }
 

@@ -182,7 +182,6 @@ class ContentCollector {
     const char* closing = closing_.find(from, end);
     while (from != nullptr) {
       from = copyLines(from, end, std::min(zero, closing));
-      if (from == nullptr) return nullptr;
       const char* lineEnd = findByte(from, end, '\n');
       if (lineEnd == end) break;
       from = takeLine(from, lineEnd);
@@ -192,7 +191,7 @@ class ContentCollector {
     return from;
   }
 
-  // Copies the lines that end before `stop`, which needs a closer look.
+  // Copies the lines that end before `stop`, which needs a closer look, as does one too long.
   const char* copyLines(const char* from, const char* end, const char* stop) {
     char* const copied = fill_;
     if (receiver_ != nullptr) {
@@ -203,11 +202,7 @@ class ContentCollector {
     }
     for (;;) {
       const char* lineEnd = findByte(from, end, '\n');
-      if (lineEnd >= stop) break;
-      if (isTooLong(from, lineEnd)) {
-        from = nullptr;
-        break;
-      }
+      if (lineEnd >= stop || isTooLong(from, lineEnd)) break;
       append(from, static_cast<std::size_t>(lineEnd - from));
       from = lineEnd + 1;
     }
@@ -277,7 +272,7 @@ std::optional<DocumentText> readDocumentText(const char* file, std::string_view 
   const std::optional<std::size_t> size = input.size();
   if (!size) return std::nullopt;
   DocumentText document;
-  document.characters.reset(new (std::nothrow) char[*size + 1 + kFixedCopy]);
+  document.characters.reset(new (std::nothrow) char[*size + kFixedCopy]);
   if (document.characters == nullptr) return std::nullopt;
 
   ContentCollector collector(root, document.characters.get());
@@ -293,7 +288,7 @@ bool readLines(const char* file, std::string_view root, LineReceiver& receiver) 
   if (!size) return false;
   // Written block by block, so that it need not be set before.
   // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
-  std::array<char, kBlockSize + 1 + kFixedCopy> room;
+  std::array<char, kBlockSize + kFixedCopy> room;
   ContentCollector collector(root, room.data(), &receiver);
   collect(collector, input, *size);
   return collector.allHandedOut();
