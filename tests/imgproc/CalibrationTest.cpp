@@ -45,7 +45,7 @@ TEST_F(Calibration, Transcript) {
     const unsigned int status = cali.load(".", 7);
     return status == 0 ? describe(*cali.opticsList) : shown(status);
   };
-  on["isLoaded"] = [&](auto& a) { return shown(cali.isLoaded(a[0])); };
+  on["isLoaded"] = [&](auto& a) { return shown(cali.isLoaded(a[0]), cali.serial); };
   on["main"] = [&](auto&) { return describe(*cali.mainSection); };
   on["optics"] = [&](auto&) { return describe(*cali.opticsList); };
   on["getOptics"] = [&](auto& a) {

@@ -54,8 +54,8 @@ TEST_F(Log, LineTellsTheSecondsSinceTheStart) {
   Logger& log = *Logger::getInstance();
   log.configure("x", brivex::LOGGER_CONSOLE_ON, 0, 0);
   for (const long double shift :
-       {0.5L, 1.0L, 9.9999L, 99.9995L, 123.456L, 999.9995L, 1e3L, 12345.6L, 59999.95L, 123456.5L,
-        999999.5L, 1e6L, 12345678.0L, 99999950.0L, 999999000.0L, 999999499.0L, 1e9L}) {
+       {-7.0L, 0.5L, 1.0L, 9.9999L, 99.9995L, 123.456L, 999.9995L, 1e3L, 12345.6L, 59999.95L,
+        123456.5L, 999999.5L, 1e6L, 12345678.0L, 99999950.0L, 999999000.0L, 999999499.0L, 1e9L}) {
     log.timer.start = milliseconds(microsecondsNow()) - shift;
     const std::int64_t before = microsecondsNow();
     const std::string line = captured(STDERR_FILENO, [&] { log.print(0, "s", 1, "t"); });

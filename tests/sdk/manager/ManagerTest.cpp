@@ -45,7 +45,7 @@ TEST_F(Manager, Transcript) {
     return list != nullptr && size > 0 ? shown(whole, size, list) : shown(whole, size);
   };
   on["copy"] = [&](auto& a) {
-    bool whole = false;
+    bool whole = (errno = EINTR) == 0;
     const auto run = [&] { whole = manager.copyCalibrationFromLocalRepo(a[0], a[1].text); };
     const std::string echo = captured(STDOUT_FILENO, run);
     return echo + shown(whole);
