@@ -19,27 +19,24 @@ bool isOfName(char character) {
 }
 
 bool endsName(const std::string& text, std::size_t at) {
-  if (at >= text.size() || !isOfName(text[at])) return true;
+  if (!isOfName(text[at])) return true;
   // The full stop of a sentence is no part of the name before it.
-  return text[at] == '.' && (at + 1 == text.size() || !isOfName(text[at + 1]));
+  return text[at] == '.' && !isOfName(text[at + 1]);
 }
 
 bool beginsPath(const std::string& text, std::size_t at) {
-  return at == 0 || (!isOfName(text[at - 1]) && text[at - 1] != '/');
+  return !isOfName(text[at - 1]) && text[at - 1] != '/';
 }
 
 bool isPartOfPath(const std::string& text, std::size_t at) { return at > 0 && text[at - 1] == '/'; }
 
-bool beginsWord(const std::string& text, std::size_t at) {
-  return at == 0 || !isOfName(text[at - 1]);
-}
+bool beginsWord(const std::string& text, std::size_t at) { return !isOfName(text[at - 1]); }
 
 using Place = bool (*)(const std::string&, std::size_t);
 
 void replaceNames(std::string* text, std::string_view name, std::string_view replacement,
                   Place place) {
-  std::size_t at = 0;
-  while ((at = text->find(name, at)) != std::string::npos) {
+  for (std::size_t at = text->find(name); at != std::string::npos; at = text->find(name, at)) {
     const bool isWhole = place(*text, at) && endsName(*text, at + name.size());
     if (isWhole) text->replace(at, name.size(), replacement);
     at += isWhole ? replacement.size() : name.size();
@@ -47,8 +44,7 @@ void replaceNames(std::string* text, std::string_view name, std::string_view rep
 }
 
 void replaceOtherHomes(std::string* text) {
-  std::size_t at = 0;
-  while ((at = text->find(kHomes, at)) != std::string::npos) {
+  for (std::size_t at = text->find(kHomes); at != std::string::npos; at = text->find(kHomes, at)) {
     std::size_t end = at + kHomes.size();
     while (!endsName(*text, end)) ++end;
     const bool isHome = beginsPath(*text, at) && end > at + kHomes.size();
@@ -57,16 +53,16 @@ void replaceOtherHomes(std::string* text) {
   }
 }
 
-bool tellsSomebody(const std::string& name) { return !name.empty() && name != "root"; }
-
 void clean(const User& user, Place place, std::string* text) {
+  text->insert(text->begin(), ' ');  // each place has something before it
   for (const std::string& home : user.homes) {
-    if (home.size() > 1) replaceNames(text, home, kSomeHome, beginsPath);
+    if (home != "/") replaceNames(text, home, kSomeHome, beginsPath);
   }
   replaceOtherHomes(text);
   for (const std::string& name : user.names) {
-    if (tellsSomebody(name)) replaceNames(text, name, kSomeUser, place);
+    if (name != "root") replaceNames(text, name, kSomeUser, place);
   }
+  text->erase(text->begin());
 }
 
 void cleanAll(const User& user, Place place, Json* document) {

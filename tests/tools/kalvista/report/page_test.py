@@ -19,6 +19,7 @@ for program in ("/usr/bin/chromium", "/usr/bin/chromedriver"):
         print(f"skipped: {program} is missing (Debian: chromium chromium-driver)")
         sys.exit(77)
 
+OTHERS = "jdoes, xjdoe, of root, in /home/, /srv/home/ada, /srv//home/ada, "
 HOSTILE = """"'></td></li><script>throw 1</script><img src="http://127.0.0.1:9/x">{{title}}&amp;"""
 BARS = """return [...document.querySelectorAll("figure svg")].map(svg => ({
   ticks: [...svg.querySelectorAll("text.tick")].map(t => +t.textContent),
@@ -118,13 +119,13 @@ subprocess.run("kalvista setup --from /media/usb -v error && kalvista config 123
 os.environ["USER"] = "jdoe"
 configuration = pathlib.Path("chosen.xml")
 configuration.write_text(configuration.read_text().replace(
-    "</imager>", "  <!-- jdoe changed it on /media/jdoe/stick, from /home/otto/old.xml; jdoes, said jdoe. -->\n</imager>"))
+    "</imager>", "  <!-- jdoe changed it on /media/jdoe/stick, from /home/otto.x/old.xml; " + OTHERS + "said jdoe. -->\n</imager>"))
 chosen = report("--config", "chosen.xml", "-o", "chosen.html")
 data = json.loads(report("--config", "chosen.xml", "-o", "chosen.json"))
 expect("Ready: all checks passed." in chosen and data["healthy"], "the sample camera is ready")
 expect("/mnt/home" not in chosen and "~/chosen.xml" in chosen, "the home directory is left out")
 expect(not re.search(r"\bjdoe\b|\botto\b", chosen + json.dumps(data)), "names are left out")
-expect("/media/USER/stick, from ~/old.xml; jdoes, said USER. " in chosen, "only names are left out")
+expect("USER changed it on /media/USER/stick, from ~/old.xml; " + OTHERS + "said USER. " in chosen, "only names are left out")
 full = report("--config", "chosen.xml", "--full", "-o", "full.json")
 expect("/mnt/home/chosen.xml" in full and json.loads(full)["machine"]["user"], "--full tells all")
 expect(data["machine"]["user"] is None, "nothing tells the user")
