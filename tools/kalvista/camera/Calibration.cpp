@@ -153,13 +153,11 @@ std::string calibrationXmlPath(const std::string& directory, unsigned long seria
 }
 
 std::vector<unsigned long> calibratedSerials(const std::string& directory) {
-  constexpr std::string_view kPrefix = "Cali-";
   std::vector<unsigned long> serials;
   std::error_code error;
   for (const auto& entry : std::filesystem::directory_iterator(directory, error)) {
     const std::string name = entry.path().filename();
-    if (name.compare(0, kPrefix.size(), kPrefix) != 0) continue;
-    const unsigned long serial = std::strtoul(name.c_str() + kPrefix.size(), nullptr, 10);
+    const unsigned long serial = std::strtoul(&name[name.find('-') + 1], nullptr, 10);
     if (serial != 0 && name == calibrationXmlName(serial)) serials.push_back(serial);
   }
   std::sort(serials.begin(), serials.end());

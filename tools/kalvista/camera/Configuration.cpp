@@ -30,13 +30,11 @@ std::unique_ptr<Configuration> readAs(const std::string& source, const std::stri
   // Looked at before the reader, which calls every document that it refuses a missing one.
   ardo::SimpleXML document;
   if (!document.open(path.c_str(), kRoot)) failToRead(source, "its comments do not balance");
-  if (!document.hasRoot()) {
-    failToRead(source, std::string("it has no root element \"") + kRoot + "\"");
-  }
   auto configuration = std::make_unique<Configuration>();
   configuration->text = readFile(path);
-  if (!ardo::IRDeviceParamsReader::readXML(path.c_str(), configuration->values)) {
-    failToRead(source, "it changed meanwhile");
+  if (!document.hasRoot() ||
+      !ardo::IRDeviceParamsReader::readXML(path.c_str(), configuration->values)) {
+    failToRead(source, std::string("it has no root element \"") + kRoot + "\"");
   }
   return configuration;
 }

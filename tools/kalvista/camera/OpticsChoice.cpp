@@ -31,7 +31,7 @@ const Item* nearestItem(Item* const* items, int count, Distance distance) {
       std::min_element(items, items + count, [&distance](const Item* one, const Item* other) {
         return distance(*one) < distance(*other);
       });
-  return nearest != items + count ? *nearest : nullptr;
+  return count > 0 ? *nearest : nullptr;
 }
 
 class Selector {
@@ -62,8 +62,8 @@ class Selector {
              (!wanted_.text || textOf(optics) == text);
     };
     const auto distance = [this, &text](const OpticsDef& optics) {
-      const double degrees = wanted_.fov ? std::abs(double(optics.FOV) - *wanted_.fov) : 0;
-      const bool hasOtherText = wanted_.fov || wanted_.text ? textOf(optics) != text : false;
+      const double degrees = std::abs(double(optics.FOV) - wanted_.fov.value_or(optics.FOV));
+      const bool hasOtherText = (wanted_.fov || wanted_.text) && textOf(optics) != text;
       return std::make_pair(degrees, hasOtherText);
     };
     const OpticsDef& nearest = *nearestItem(calibrated_.items, calibrated_.count, distance);

@@ -39,7 +39,7 @@ std::optional<Interval> extendedOf(const Json& range) {
 
 // What a configuration chooses; what it leaves open is the calibration's first.
 struct Configured {
-  std::size_t optics = std::string::npos;
+  std::optional<std::size_t> optics;
   std::optional<Interval> range;  // null for the first one
   std::string framerate;
 };
@@ -88,8 +88,8 @@ class Painter {
   TemperatureScale makeScale() const {
     Interval all{kInfinity, -kInfinity};
     const auto include = [&all](const std::optional<Interval>& interval) {
-      if (!interval) return;
-      all = {std::min(all.min, interval->min), std::max(all.max, interval->max)};
+      const Interval one = interval.value_or(all);
+      all = {std::min(all.min, one.min), std::max(all.max, one.max)};
     };
     for (const Json& optics : optics_) {
       for (const Json& range : optics["ranges"]) {
@@ -97,7 +97,7 @@ class Painter {
         include(extendedOf(range));
       }
     }
-    if (configured_.optics < optics_.size()) include(configured_.range);
+    if (configured_.optics) include(configured_.range);
     return all.min <= all.max ? TemperatureScale(all.min, all.max) : TemperatureScale(0, 1);
   }
 

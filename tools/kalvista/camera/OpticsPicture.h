@@ -24,13 +24,13 @@ class TemperatureScale {
 };
 
 struct Bar {
-  double begin = 0;  // fractions of the scale
-  double end = 0;
+  double begin;  // fractions of the scale
+  double end;
 };
 
 struct PictureRow {
-  std::string label;       // "-20 to 100 °C"
-  std::string framerates;  // "27, 32, 80"
+  std::string label;       // such as -20 to 100 °C
+  std::string framerates;  // such as 27, 32, 80
   std::optional<Bar> calibrated;
   std::optional<Bar> extended;
   std::optional<Bar> configured;
@@ -38,7 +38,7 @@ struct PictureRow {
 };
 
 struct OpticsPicture {
-  std::string label;  // "33 macro"
+  std::string label;  // such as 33 macro
   std::vector<PictureRow> rows;
 };
 

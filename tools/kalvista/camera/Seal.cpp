@@ -30,12 +30,9 @@ std::string lineOf(const std::string& name, const std::string& digest) {
 std::string withoutEscapes(const std::string& escaped) {
   std::string name;
   for (std::size_t i = 0; i < escaped.size(); ++i) {
-    if (escaped[i] != kEscape || i + 1 == escaped.size()) {
-      name += escaped[i];
-    } else {
-      ++i;
-      name += escaped[i] == 'n' ? '\n' : escaped[i];
-    }
+    const bool isEscape = escaped[i] == kEscape;
+    if (isEscape) ++i;
+    name += isEscape && escaped[i] == 'n' ? '\n' : escaped[i];
   }
   return name;
 }
@@ -46,7 +43,6 @@ std::string sealName(unsigned long serial) { return "Cali-" + std::to_string(ser
 
 Seal Seal::of(const std::string& directory, const std::vector<std::string>& names) {
   Seal seal;
-  seal.exists_ = seal.isWhole_ = true;
   for (const std::string& name : names) {
     const std::string digest = sha256Of(directory + "/" + name);
     if (digest.empty()) {
@@ -77,7 +73,7 @@ Seal Seal::read(const std::string& directory, unsigned long serial) {
 
 // "<digest>  <name>", with "*" in place of the second blank for the same.
 void Seal::readLine(const std::string& line) {
-  const bool isEscaped = line.rfind(kEscape, 0) == 0;
+  const bool isEscaped = line[0] == kEscape;
   const std::string digest = line.substr(isEscaped ? 1 : 0, kDigestLength);
   const std::size_t nameBegin = (isEscaped ? 1 : 0) + kDigestLength + 2;
   const bool fits = line.size() > nameBegin &&

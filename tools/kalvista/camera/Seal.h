@@ -17,6 +17,7 @@ class Seal {
   // As it stands beside the files; none when there is no file of its name.
   static Seal read(const std::string& directory, unsigned long serial);
 
+  // Of a seal that was read.
   bool exists() const { return exists_; }
   // Each line is one of a seal, and there are lines.
   bool isWhole() const { return isWhole_; }

@@ -1,5 +1,7 @@
 #include "report/Picture.h"
 
+#include <algorithm>
+
 #include "camera/OpticsPicture.h"
 
 namespace tool {
@@ -25,20 +27,21 @@ void addBar(Json* bars, const char* kind, const std::optional<Bar>& bar, int top
                    {"height", kBarHeight}});
 }
 
-std::string shortFramerates(const PictureRow& row, std::size_t count) {
-  if (count == 0) return "any frame rate";
-  if (row.framerates.size() <= kMostCharacters) return row.framerates + " per second";
-  return countText(count, "frame rate");
+std::string shortFramerates(const std::string& framerates) {
+  if (framerates == "any") return "any frame rate";
+  if (framerates.size() <= kMostCharacters) return framerates + " per second";
+  const auto commas = std::count(framerates.begin(), framerates.end(), ',');
+  return countText(static_cast<std::size_t>(commas) + 1, "frame rate");
 }
 
-Json rowOf(const PictureRow& row, std::size_t framerateCount, int* top) {
+Json rowOf(const PictureRow& row, int* top) {
   Json bars = Json::array();
   const int barTop = *top + kTextHeight + kBarHeight / 2;
   addBar(&bars, "extended", row.extended, barTop);
   addBar(&bars, "calibrated", row.calibrated, barTop);
   addBar(&bars, "configured", row.configured, barTop);
   Json result = {{"label", row.label},
-                 {"framerates", shortFramerates(row, framerateCount)},
+                 {"framerates", shortFramerates(row.framerates)},
                  {"textY", *top + kTextHeight},
                  {"bars", bars},
                  {"note", row.note.empty() ? Json() : Json(row.note)},
@@ -81,13 +84,9 @@ Json picturesOf(const Json& report) {
   Json pictures = Json::array();
   for (std::size_t i = 0; i < picture.optics.size(); ++i) {
     const OpticsPicture& one = picture.optics[i];
-    const Json& ranges = optics[i]["ranges"];
     Json rows = Json::array();
     int top = 0;
-    for (std::size_t j = 0; j < one.rows.size(); ++j) {
-      const std::size_t count = j < ranges.size() ? ranges[j]["framerates"].size() : 1;
-      rows.push_back(rowOf(one.rows[j], count, &top));
-    }
+    for (const PictureRow& row : one.rows) rows.push_back(rowOf(row, &top));
     pictures.push_back({{"id", i},
                         {"label", one.label},
                         {"description", descriptionOf(one)},
