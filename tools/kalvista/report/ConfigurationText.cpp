@@ -18,7 +18,7 @@ std::size_t offsetOf(std::string_view line, std::size_t column) {
 
 // A value ends before the next tag, a tag behind its bracket.
 std::size_t endOfMark(std::string_view line, std::size_t begin) {
-  const bool isTag = begin < line.size() && line[begin] == '<';
+  const bool isTag = line.substr(begin, 1) == "<";
   const std::size_t end = line.find(isTag ? '>' : '<', begin);
   if (end == std::string_view::npos) return line.size();
   return isTag ? end + 1 : end;
@@ -61,12 +61,12 @@ Json linesOf(const ConfigurationCheck& check) {
   const Json findings = documentOf(check)["findings"];
   Json lines = Json::array();
   std::string_view rest = check.document;
-  std::size_t finding = 0;
+  auto finding = findings.begin();
   for (std::size_t number = 1; !rest.empty(); ++number) {
     const std::size_t end = std::min(rest.find('\n'), rest.size());
     Line line(number, rest.substr(0, end));
-    for (; finding < findings.size() && check.findings[finding].line == number; ++finding) {
-      line.mark(check.findings[finding].column, findings[finding]);
+    for (; finding != findings.end() && (*finding)["line"] == number; ++finding) {
+      line.mark((*finding)["column"], *finding);
     }
     lines.push_back(line.document());
     rest.remove_prefix(std::min(end + 1, rest.size()));

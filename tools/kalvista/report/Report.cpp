@@ -4,6 +4,8 @@
 
 #include <ctime>
 #include <filesystem>
+#include <iomanip>
+#include <sstream>
 
 #include "camera/Calibration.h"
 #include "camera/Seal.h"
@@ -19,9 +21,9 @@ namespace {
 std::string timeText() {
   const std::time_t now = std::time(nullptr);
   std::tm utc{};
-  char text[sizeof "2026-11-25T14:42:15Z"] = "";
-  if (gmtime_r(&now, &utc) != nullptr) std::strftime(text, sizeof text, "%FT%TZ", &utc);
-  return text;
+  std::ostringstream text;
+  text << std::put_time(gmtime_r(&now, &utc), "%FT%TZ");
+  return text.str();
 }
 
 std::string versionNumber() {
