@@ -60,17 +60,15 @@ std::string shownAddress(const std::string& address) {
       authority.find('@') == std::string_view::npos && colon != std::string_view::npos &&
       authority.find_first_not_of("0123456789]", colon + 1) != std::string_view::npos;
   if (isCutInPassword) authority = std::string_view(address).substr(begin);
+  // Without a "@" this is the place ahead of the first character.
   const std::size_t at = authority.rfind('@');
-  if (at == std::string_view::npos) return address;
   return address.substr(0, begin) + address.substr(begin + at + 1);
 }
 
 std::string shownCause(std::string cause) {
-  for (std::size_t at = 0; (at = cause.find('@', at)) != std::string::npos;) {
-    const std::size_t before = cause.find_last_of(" '\"/", at);
-    const std::size_t begin = before == std::string::npos ? 0 : before + 1;
+  for (std::size_t at = 0; (at = cause.find('@')) != std::string::npos;) {
+    const std::size_t begin = cause.find_last_of(" '\"/", at) + 1;
     cause.erase(begin, at + 1 - begin);
-    at = begin;
   }
   return cause;
 }

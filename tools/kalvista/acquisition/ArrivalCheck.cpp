@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "camera/Calibration.h"
+#include "machine/Files.h"
 
 namespace tool {
 namespace {
@@ -76,20 +77,9 @@ bool namesAnotherSerial(ardo::SimpleXML& document, unsigned long serial) {
   return false;
 }
 
-// Looks for the closing tag, in pieces that overlap by its length.
+// The reader makes do without the closing tag.
 bool reachesItsEnd(const std::string& path) {
-  const std::string tag = std::string("</") + kRoot + ">";
-  std::ifstream file(path, std::ios::binary);
-  std::string piece;
-  while (file) {
-    piece.erase(0, piece.size() - std::min(piece.size(), tag.size()));
-    const std::size_t kept = piece.size();
-    piece.resize(kept + kBeginning);
-    file.read(piece.data() + kept, kBeginning);
-    piece.resize(kept + static_cast<std::size_t>(file.gcount()));
-    if (piece.find(tag) != std::string::npos) return true;
-  }
-  return false;
+  return readFile(path).find(std::string("</") + kRoot + ">") != std::string::npos;
 }
 
 std::string whatIsWrongWithXml(const std::string& path, unsigned long serial) {

@@ -21,9 +21,6 @@ Arrivals::Arrivals(const std::string& directory, unsigned long serial, Repositor
       work_(directory),
       status_(inspectCalibration(directory, serial)) {
   for (const CalibrationFile& file : status_.files) states_[file.name] = file.state;
-  const std::string seal = sealName(serial);
-  const bool isSealed = access((directory + "/" + seal).c_str(), F_OK) == 0;
-  if (isSealed) states_.emplace(seal, FileState::Present);
 }
 
 // The XML file comes first, since it names the others, and with it what they are held against.
@@ -58,7 +55,7 @@ void Arrivals::bring(const std::vector<std::string>& names) {
   }
 }
 
-// A file that the calibration does not ask for may be there as well.
+// A file that the calibration does not ask for may be there as well, such as a seal.
 bool Arrivals::isUsable(const std::string& name) const {
   const auto known = states_.find(name);
   return known != states_.end() ? known->second == FileState::Present
@@ -85,7 +82,6 @@ void Arrivals::holdAgainstSeal() {
   Delivery* sealDelivery = deliveryOf(sealName(serial_));
   const bool isNew = sealDelivery->state == State::Brought;
   const Seal seal = Seal::read(isNew ? work_.path() : directory_, serial_);
-  if (!seal.exists()) return;
   for (Delivery& delivery : deliveries_) {
     const bool isReplacement = !isNew && isPresent(delivery.name);
     if (delivery.state != State::Brought || &delivery == sealDelivery || isReplacement) continue;

@@ -21,7 +21,7 @@ constexpr std::chrono::milliseconds kLookInterval(100);
 
 bool liesOnTheNetwork(int directory) {
   struct statfs system {};
-  if (fstatfs(directory, &system) != 0) return false;
+  fstatfs(directory, &system);
   const auto type = static_cast<unsigned int>(system.f_type);
   return std::find(std::begin(kNetworkFileSystems), std::end(kNetworkFileSystems), type) !=
          std::end(kNetworkFileSystems);
@@ -31,7 +31,7 @@ bool liesOnTheNetwork(int directory) {
 
 DirectoryLock::DirectoryLock(const std::string& directory)
     : directory_(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
-      isHeld_(!liesOnTheNetwork(directory_.number())) {
+      isHeld_(directory_.isOpen() && !liesOnTheNetwork(directory_.number())) {
   if (!directory_.isOpen()) {
     throw Failure(ExitCode::CouldNot, "the directory " + directory + " cannot be opened: " +
                                           std::strerror(errno) + "; check its permissions");
@@ -48,7 +48,7 @@ DirectoryLock::DirectoryLock(const std::string& directory)
 void DirectoryLock::wait(const std::string& directory) const {
   bool isTold = false;
   while (flock(directory_.number(), LOCK_EX | LOCK_NB) != 0) {
-    if (errno != EWOULDBLOCK && errno != EINTR) {
+    if (errno != EWOULDBLOCK) {
       throw Failure(ExitCode::CouldNot, "the directory " + directory + " cannot be locked: " +
                                             std::strerror(errno) + "; use another one");
     }

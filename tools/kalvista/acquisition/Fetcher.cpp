@@ -99,16 +99,13 @@ std::vector<FetchResult> Fetcher::Session::run() {
   while (!waiting_.empty() || !running_.empty()) {
     throwIfInterrupted();
     startWhatIsDue();
+    // Returns at once when something was started.
+    curl_multi_poll(multi_, nullptr, 0, kLookMilliseconds, nullptr);
     int count = 0;
     curl_multi_perform(multi_, &count);
     takeFinished();
     giveUpSlowOnes();
     showProgress();
-    if (!running_.empty() || !waiting_.empty()) {
-      const bool canStart =
-          !waiting_.empty() && running_.size() < kAtOnce && waiting_.front().due <= Clock::now();
-      if (!canStart) curl_multi_poll(multi_, nullptr, 0, kLookMilliseconds, nullptr);
-    }
   }
   return std::move(results_);
 }
@@ -126,8 +123,8 @@ void Fetcher::Session::startWhatIsDue() {
 
 void Fetcher::Session::takeFinished() {
   int count = 0;
+  // There is one kind of message, CURLMSG_DONE.
   while (const CURLMsg* message = curl_multi_info_read(multi_, &count)) {
-    if (message->msg != CURLMSG_DONE) continue;
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-union-access): the interface of the library below
     end(message->easy_handle, message->data.result, "");
   }
@@ -149,7 +146,6 @@ void Fetcher::Session::end(CURL* handle, CURLcode code, const std::string& cause
   const auto at = std::find_if(running_.begin(), running_.end(), [handle](const Job& job) {
     return job.transfer->handle() == handle;
   });
-  if (at == running_.end()) return;
   Job job = std::move(*at);
   running_.erase(at);
   curl_multi_remove_handle(multi_, handle);
@@ -157,7 +153,6 @@ void Fetcher::Session::end(CURL* handle, CURLcode code, const std::string& cause
   if (!cause.empty()) job.result->cause = cause;
   if (job.result->fault >= FetchFault::NoSpace) failForDisk(*job.result, job.request->address);
   bytesDone_ += job.transfer->received();
-  job.transfer.reset();
   if (job.result->fault == FetchFault::Passing && job.triesLeft > 0) {
     job.due = Clock::now() + job.pause;
     job.pause *= kPauseGrowth;

@@ -37,10 +37,10 @@ enum class FetchFault {
 
 struct FetchResult {
   FetchFault fault = FetchFault::None;
-  std::string cause;         // of a fault, as the library below gave it
-  std::uintmax_t size = 0;   // of the file; 0 when it is not known
-  std::time_t modified = 0;  // when the server's file was; 0 when it is not known
-  std::string tag;           // the server's ETag; empty for none
+  std::string cause;          // of a fault, as the library below gave it
+  std::uintmax_t size = 0;    // of the file; 0 when it is not known
+  std::time_t modified = -1;  // when the server's file was; -1 when it is not known
+  std::string tag;            // the server's ETag; empty for none
 };
 
 // The extended attribute that keeps the tag with a file.

@@ -20,10 +20,12 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t kBlock = 1U << 16U;
-constexpr std::uintmax_t kPiece = 8U << 20U;  // between two looks for a signal
+constexpr std::size_t kPiece = 8U << 20U;  // between two looks for a signal
 
 SourceFile problemWith(const std::string& path, const std::string& cause) {
-  return {Descriptor(-1), 0, path + ": " + cause};
+  SourceFile none;
+  none.problem = path + ": " + cause;
+  return none;
 }
 
 bool liesInside(const std::string& folder, const std::string& path) {
@@ -31,18 +33,11 @@ bool liesInside(const std::string& folder, const std::string& path) {
   return path.compare(0, prefix.size(), prefix) == 0;
 }
 
-// Reads until the block is full or the file ends; -1 with errno set.
-ssize_t readBlock(int descriptor, char* block, std::uintmax_t at) {
-  std::size_t count = 0;
-  while (count < kBlock) {
-    const ssize_t more =
-        pread(descriptor, block + count, kBlock - count, static_cast<off_t>(at + count));
-    if (more < 0 && errno == EINTR) continue;
-    if (more < 0) return -1;
-    if (more == 0) break;
-    count += static_cast<std::size_t>(more);
-  }
-  return static_cast<ssize_t>(count);
+using Block = std::array<char, kBlock>;
+
+// As much as comes at once; 0 at the end, -1 with errno set.
+ssize_t readBlock(const SourceFile& file, Block* block, std::uintmax_t at) {
+  return pread(file.descriptor.number(), block->data(), block->size(), static_cast<off_t>(at));
 }
 
 // By the kernel, as far as it can do it between these two; gives how much was copied.
@@ -52,8 +47,7 @@ std::uintmax_t copyInKernel(const SourceFile& source, int target) {
     throwIfInterrupted();
     auto from = static_cast<off_t>(done);
     const ssize_t count =
-        copy_file_range(source.descriptor.number(), &from, target, nullptr,
-                        static_cast<std::size_t>(std::min(kPiece, source.size - done)), 0);
+        copy_file_range(source.descriptor.number(), &from, target, nullptr, kPiece, 0);
     if (count <= 0) break;
     done += static_cast<std::uintmax_t>(count);
   }
@@ -62,9 +56,9 @@ std::uintmax_t copyInKernel(const SourceFile& source, int target) {
 
 // Up to one byte beyond the size, so that a file that grows is noticed and an endless one ends.
 bool copyByBlocks(const SourceFile& source, int target, std::uintmax_t* done) {
-  std::array<char, kBlock> block{};
+  Block block{};
   ssize_t count = 0;
-  while ((count = readBlock(source.descriptor.number(), block.data(), *done)) > 0) {
+  while ((count = readBlock(source, &block, *done)) > 0) {
     throwIfInterrupted();
     if (!writeAll(target, {block.data(), static_cast<std::size_t>(count)})) return false;
     *done += static_cast<std::uintmax_t>(count);
@@ -79,7 +73,7 @@ SourceFile openInside(const std::string& folder, const std::string& path) {
   const Descriptor place(open(path.c_str(), O_PATH | O_CLOEXEC));
   if (!place.isOpen()) return problemWith(path, std::strerror(errno));
   struct stat status {};
-  if (fstat(place.number(), &status) != 0) return problemWith(path, std::strerror(errno));
+  fstat(place.number(), &status);
   if (!S_ISREG(status.st_mode)) return problemWith(path, "it is no regular file");
   std::error_code error;
   const std::string truePath = fs::read_symlink(pathOf(place), error).string();
@@ -94,34 +88,34 @@ SourceFile openInside(const std::string& folder, const std::string& path) {
 }
 
 bool haveSameContent(const SourceFile& one, const SourceFile& other) {
-  if (one.size != other.size) return false;
-  std::array<char, kBlock> left{};
-  std::array<char, kBlock> right{};
-  for (std::uintmax_t at = 0;; at += kBlock) {
+  const bool areOpen = one.descriptor.isOpen() && other.descriptor.isOpen();
+  if (!areOpen || one.size != other.size) return false;
+  Block left{};
+  Block right{};
+  for (std::uintmax_t at = 0; at < one.size;) {
     throwIfInterrupted();
-    const ssize_t count = readBlock(one.descriptor.number(), left.data(), at);
-    if (count < 0 || readBlock(other.descriptor.number(), right.data(), at) != count) return false;
-    if (std::memcmp(left.data(), right.data(), static_cast<std::size_t>(count)) != 0) return false;
-    if (static_cast<std::size_t>(count) < kBlock) return true;
+    const ssize_t count = std::min(readBlock(one, &left, at), readBlock(other, &right, at));
+    if (count <= 0) return false;
+    const auto size = static_cast<std::size_t>(count);
+    if (std::memcmp(left.data(), right.data(), size) != 0) return false;
+    at += size;
   }
+  return true;
 }
 
 bool haveSameContent(const std::string& onePath, const std::string& otherPath) {
-  const SourceFile one = openInside("/", onePath);
-  const SourceFile other = openInside("/", otherPath);
-  return one.problem.empty() && other.problem.empty() && haveSameContent(one, other);
+  return haveSameContent(openInside("/", onePath), openInside("/", otherPath));
 }
 
-std::string copyContent(const SourceFile& source, const Descriptor& target) {
+int copyContent(const SourceFile& source, const Descriptor& target) {
   std::uintmax_t done = copyInKernel(source, target.number());
-  if (!copyByBlocks(source, target.number(), &done)) return std::strerror(errno);
-  errno = 0;
-  if (done != source.size) return "it changed while it was copied";
+  if (!copyByBlocks(source, target.number(), &done)) return errno;
+  if (done != source.size) return kSizeChanged;
   struct stat status {};
   fstat(source.descriptor.number(), &status);
   const timespec times[] = {{0, UTIME_OMIT}, status.st_mtim};
   futimens(target.number(), times);
-  return "";
+  return 0;
 }
 
 }  // namespace tool

@@ -25,9 +25,10 @@ SourceFile openInside(const std::string& folder, const std::string& path);
 bool haveSameContent(const SourceFile& one, const SourceFile& other);
 bool haveSameContent(const std::string& onePath, const std::string& otherPath);
 
-// Copies content and time. Gives the cause when that failed, also when the source changed its size
-// meanwhile; errno is ENOSPC or EDQUOT when the disk is full. An Interruption on a signal.
-std::string copyContent(const SourceFile& source, const Descriptor& target);
+// Copies content and time. Gives 0, or the number of what failed, which is this one when the source
+// changed its size meanwhile. An Interruption on a signal.
+constexpr int kSizeChanged = -1;
+int copyContent(const SourceFile& source, const Descriptor& target);
 
 }  // namespace tool
 

@@ -13,7 +13,6 @@
 #include "answer/Console.h"
 #include "answer/Output.h"
 #include "camera/Calibration.h"
-#include "camera/Seal.h"
 #include "machine/Interruption.h"
 
 namespace tool {
@@ -28,7 +27,8 @@ bool beginsWith(const std::string& name, const std::string& beginning) {
 // Some space is kept for root.
 std::uintmax_t freeBytes(const std::string& folder) {
   struct statvfs system {};
-  if (statvfs(folder.c_str(), &system) != 0 || system.f_blocks == 0) return UINTMAX_MAX;
+  statvfs(folder.c_str(), &system);
+  if (system.f_blocks == 0) return UINTMAX_MAX;  // it has no limit, or does not tell
   return (geteuid() == 0 ? system.f_bfree : system.f_bavail) *
          static_cast<std::uintmax_t>(system.f_frsize);
 }
@@ -67,9 +67,8 @@ FolderRepository::FolderRepository(const std::string& folder) : folder_(folder) 
 std::vector<std::string> FolderRepository::namesOf(unsigned long serial) {
   const std::string number = std::to_string(serial);
   std::vector<std::string> names;
-  for (const std::string& name : {calibrationXmlName(serial), sealName(serial)}) {
-    if (paths_.count(name) != 0) names.push_back(name);
-  }
+  const std::string xml = calibrationXmlName(serial);
+  if (paths_.count(xml) != 0) names.push_back(xml);
   for (const std::string& beginning : {"Cali-" + number + "-", "Kennlinie-" + number + "-"}) {
     for (auto path = paths_.lower_bound(beginning);
          path != paths_.end() && beginsWith(path->first, beginning); ++path) {
@@ -107,12 +106,12 @@ std::vector<Delivery> FolderRepository::bring(unsigned long, const std::vector<W
     deliveries.push_back(find(file, &source));
     if (deliveries.back().state != Delivery::State::Brought) continue;
     const Descriptor target = createFile(work.pathOf(file.name));
-    const std::string cause = target.isOpen() ? copyContent(source, target) : std::strerror(errno);
+    const int reason = target.isOpen() ? copyContent(source, target) : errno;
     bytes += source.size;
-    if (cause.empty()) continue;
-    if (errno == ENOSPC || errno == EDQUOT) {
-      failForSpace(std::max(needed, source.size), work.path());
-    }
+    if (reason == 0) continue;
+    if (isDiskFull(reason)) failForSpace(std::max(needed, source.size), work.path());
+    const std::string cause =
+        reason == kSizeChanged ? "it changed while it was copied" : std::strerror(reason);
     deliveries.back() =
         failed(file.name, ExitCode::CouldNot, paths_.at(file.name).front() + ": " + cause,
                "check the disks, and try again");
@@ -135,15 +134,12 @@ Delivery FolderRepository::find(const WantedFile& wanted, SourceFile* source) co
   }
   for (auto path = paths.begin() + 1; path != paths.end(); ++path) {
     const SourceFile other = openInside(truePath_, *path);
-    if (other.problem.empty() && haveSameContent(*source, other)) continue;
+    if (haveSameContent(*source, other)) continue;
     return failed(wanted.name, ExitCode::AnswerIsNo,
                   paths.front() + " and " + *path + ": they have one name and differ",
                   "take away the one that does not hold, or name the folder of the other");
   }
-  const SourceFile present =
-      wanted.present.empty() ? SourceFile{} : openInside("/", wanted.present);
-  const bool isSame =
-      !wanted.present.empty() && present.problem.empty() && haveSameContent(*source, present);
+  const bool isSame = haveSameContent(*source, openInside("/", wanted.present));
   return {wanted.name, isSame ? Delivery::State::Same : Delivery::State::Brought, ExitCode::Done,
           "", ""};
 }

@@ -10,7 +10,6 @@
 namespace tool {
 namespace {
 
-constexpr const char* kName = "downloadlinks.xml";
 constexpr const char* kRoot = "DownloadLinks";
 constexpr const char* kLink = "string";
 
@@ -28,7 +27,7 @@ std::vector<std::string> linksIn(ardo::SimpleXML& document) {
   while (document.getString(kLink, &text)) {
     const std::unique_ptr<char[]> owned(text);
     links.emplace_back(text);
-    if (!document.setNode(kLink)) break;
+    document.setNode(kLink);  // what was found can be entered
   }
   return links;
 }
@@ -37,7 +36,7 @@ std::vector<std::string> linksIn(ardo::SimpleXML& document) {
 
 std::vector<std::string> fetchLinks(Fetcher& fetcher, const std::string& address,
                                     const WorkFolder& work) {
-  const FetchRequest request{address, work.pathOf(kName)};
+  const FetchRequest request{address, work.pathOf(kRoot)};
   const FetchResult result = fetcher.fetch(request);
   if (result.fault != FetchFault::None) fail(address, result.cause);
   ardo::SimpleXML document;

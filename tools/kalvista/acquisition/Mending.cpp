@@ -18,10 +18,8 @@ constexpr mode_t kReadableByAll = 0444;
 bool letAllReadOwn(const std::string& path) {
   const Descriptor file(open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
   struct stat status {};
-  if (!file.isOpen() || fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) ||
-      status.st_uid != geteuid() || status.st_nlink != 1) {
-    return false;
-  }
+  fstat(file.number(), &status);
+  if (!S_ISREG(status.st_mode) || status.st_uid != geteuid() || status.st_nlink != 1) return false;
   const mode_t wanted = (status.st_mode | (kReadableByAll & ~userMask())) & kAllModes;
   return wanted != (status.st_mode & kAllModes) && chmod(pathOf(file).c_str(), wanted) == 0;
 }

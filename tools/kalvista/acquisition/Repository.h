@@ -26,7 +26,7 @@ struct Delivery {
   State state = State::Failed;
   // Of what is absent or failed:
   ExitCode exitCode = ExitCode::Done;
-  std::string problem;  // "<path or address>: <cause>"
+  std::string problem;  // path or address, and the cause
   std::string remedy;
 };
 
@@ -37,6 +37,7 @@ class Repository {
   Repository(const Repository&) = delete;
   Repository& operator=(const Repository&) = delete;
 
+  // For sentences about what it brought.
   virtual std::string shownName() const = 0;
   // The names that it has of a camera; empty when it cannot tell.
   virtual std::vector<std::string> namesOf(unsigned long serial) = 0;

@@ -5,6 +5,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -44,7 +45,7 @@ bool isAlike(std::string_view text, std::string_view word) {
 }
 
 FetchFault diskFault(int reason) {
-  return reason == ENOSPC || reason == EDQUOT ? FetchFault::NoSpace : FetchFault::NoDisk;
+  return isDiskFull(reason) ? FetchFault::NoSpace : FetchFault::NoDisk;
 }
 
 void allowWebOnly(CURL* handle) {
@@ -78,7 +79,6 @@ void Transfer::setUp() {
   curl_easy_setopt(handle_, CURLOPT_MAXREDIRS, kMostRedirections);
   curl_easy_setopt(handle_, CURLOPT_NOBODY, request_.path.empty() ? 1L : 0L);
   curl_easy_setopt(handle_, CURLOPT_FILETIME, 1L);
-  curl_easy_setopt(handle_, CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
   curl_easy_setopt(handle_, CURLOPT_PIPEWAIT, 1L);
   curl_easy_setopt(handle_, CURLOPT_CONNECTTIMEOUT, static_cast<long>(limits_.timeoutSeconds));
   curl_easy_setopt(handle_, CURLOPT_USERAGENT, "kalvista");
@@ -125,6 +125,11 @@ std::size_t Transfer::takeBody(char* data, std::size_t one, std::size_t size, vo
   return static_cast<Transfer*>(self)->accept(piece) ? piece.size() : 0;
 }
 
+// What came may be more than was announced, or nothing was.
+std::uintmax_t Transfer::largerOf(curl_off_t length) const {
+  return static_cast<std::uintmax_t>(std::max(length, static_cast<curl_off_t>(received_)));
+}
+
 std::string Transfer::whyUnusable() const {
   curl_off_t length = -1;
   long version = 0;
@@ -135,8 +140,7 @@ std::string Transfer::whyUnusable() const {
   if (length < 0 && isHttp1 && !isChunked_) {
     return "the answer does not tell its length, so that a broken line could not be noticed";
   }
-  if (received_ > limits_.maxBytes ||
-      (length > 0 && static_cast<std::uintmax_t>(length) > limits_.maxBytes)) {
+  if (largerOf(length) > limits_.maxBytes) {
     return "the file is larger than " + bytesText(limits_.maxBytes) + ", the limit of --max-size";
   }
   return "";
@@ -152,9 +156,13 @@ bool Transfer::accept(std::string_view piece) {
   }
   if (!file_.isOpen()) file_ = createFile(request_.path);
   if (file_.isOpen() && writeAll(file_.number(), piece)) return true;
+  noteDiskFault();
+  return false;
+}
+
+void Transfer::noteDiskFault() {
   ownFault_ = diskFault(errno);
   ownCause_ = std::strerror(errno);
-  return false;
 }
 
 bool Transfer::isTooSlow() {
@@ -201,38 +209,30 @@ std::string Transfer::causeOf(CURLcode code) const {
   return shownCause(error_[0] != '\0' ? error_.data() : curl_easy_strerror(code));
 }
 
-// For the next comparison with the server.
-void Transfer::keepTimeAndTag(const FetchResult& result) const {
-  if (!tag_.empty()) {
-    // Where the file system keeps no attributes, size and time have to do.
-    fsetxattr(file_.number(), kTagAttribute, tag_.data(), tag_.size(), 0);
-  }
-  if (result.modified <= 0) return;
-  const timespec times[] = {{0, UTIME_OMIT}, {result.modified, 0}};
+// Keeps time and tag with it, for the next comparison with the server.
+void Transfer::closeFile(std::time_t modified) {
+  if (!file_.isOpen()) file_ = createFile(request_.path);  // an empty one
+  // Where the file system keeps no attributes, size and time have to do.
+  if (!tag_.empty()) fsetxattr(file_.number(), kTagAttribute, tag_.data(), tag_.size(), 0);
+  const timespec times[] = {{0, UTIME_OMIT}, {modified, modified < 0 ? UTIME_OMIT : 0}};
   futimens(file_.number(), times);
+  if (!file_.close()) noteDiskFault();  // a network file system may tell only now
 }
 
 FetchResult Transfer::finish(CURLcode code) {
   FetchResult result;
-  result.fault = faultOf(code);
   curl_off_t length = -1;
   curl_easy_getinfo(handle_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &length);
-  result.size = length > 0 ? static_cast<std::uintmax_t>(length) : received_;
+  result.size = largerOf(length);
   curl_off_t modified = -1;
   curl_easy_getinfo(handle_, CURLINFO_FILETIME_T, &modified);
-  if (modified > 0) result.modified = static_cast<std::time_t>(modified);
+  result.modified = static_cast<std::time_t>(modified);
   result.tag = tag_;
-  if (result.fault == FetchFault::None && !request_.path.empty()) {
-    if (!file_.isOpen()) file_ = createFile(request_.path);  // an empty one
-    keepTimeAndTag(result);
-    if (!file_.close()) {  // a network file system may tell only now
-      result.fault = diskFault(errno);
-      result.cause = std::strerror(errno);
-    }
-  } else if (result.fault != FetchFault::None) {
-    result.cause = causeOf(code);
-  }
-  if (result.fault != FetchFault::None && !request_.path.empty()) unlink(request_.path.c_str());
+  if (faultOf(code) == FetchFault::None && !request_.path.empty()) closeFile(result.modified);
+  result.fault = faultOf(code);
+  if (result.fault == FetchFault::None) return result;
+  result.cause = causeOf(code);
+  unlink(request_.path.c_str());
   return result;
 }
 

@@ -42,7 +42,9 @@ class Transfer {
   std::string whyUnusable() const;  // the answer whose headers have come
   FetchFault faultOf(CURLcode code) const;
   std::string causeOf(CURLcode code) const;
-  void keepTimeAndTag(const FetchResult& result) const;
+  std::uintmax_t largerOf(curl_off_t length) const;
+  void noteDiskFault();
+  void closeFile(std::time_t modified);
   long status() const;
 
   const FetchRequest& request_;

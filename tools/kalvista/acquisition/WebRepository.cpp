@@ -25,13 +25,13 @@ struct Open {
 // By what the server tells; size and time at the least.
 bool isTheSame(const FetchResult& told, const std::string& present) {
   struct stat status {};
-  if (told.fault != FetchFault::None || stat(present.c_str(), &status) != 0) return false;
+  stat(present.c_str(), &status);
   char tag[kLongestTag];
   const ssize_t length = getxattr(present.c_str(), kTagAttribute, tag, sizeof tag);
   const bool hasTags = length > 0 && !told.tag.empty();
   if (hasTags && told.tag != std::string(tag, static_cast<std::size_t>(length))) return false;
-  return told.size == static_cast<std::uintmax_t>(status.st_size) && told.size > 0 &&
-         told.modified > 0 && told.modified == status.st_mtime;
+  return told.fault == FetchFault::None && told.modified == status.st_mtime &&
+         told.size == static_cast<std::uintmax_t>(status.st_size);
 }
 
 // A server that forbids what it does not have is believed about seals, which need not be there.
@@ -97,9 +97,7 @@ WebRepository::WebRepository(const FetchLimits& limits, const std::string& mirro
   if (!mirror.empty()) bases_.push_back(mirror);
 }
 
-std::string WebRepository::shownName() const {
-  return bases_.empty() ? "the online repository" : shownAddress(bases_.front());
-}
+std::string WebRepository::shownName() const { return shownAddress(bases_.front()); }
 
 std::vector<std::string> WebRepository::namesOf(unsigned long) { return {}; }
 
@@ -119,7 +117,9 @@ std::vector<Delivery> WebRepository::bring(unsigned long serial,
       if (one.delivery->state >= Delivery::State::Absent) open.push_back(one);
     }
     if (!isWebAddress(base)) {
-      const FetchResult refused{FetchFault::Refused, "it is no http or https address", 0, 0, ""};
+      FetchResult refused;
+      refused.fault = FetchFault::Refused;
+      refused.cause = "it is no http or https address";
       for (const Open& one : open) judge(refused, base, serial, one.delivery);
       continue;
     }

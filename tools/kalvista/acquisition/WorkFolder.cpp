@@ -22,10 +22,9 @@ constexpr const char* kMark = ".made-by-kalvista";
 constexpr mode_t kOwnerOnly = 0600;
 
 [[noreturn]] void failToWrite(const std::string& what, int reason) {
-  const bool isFull = reason == ENOSPC || reason == EDQUOT;
   throw Failure(ExitCode::CouldNot,
                 what + " cannot be written: " + std::strerror(reason) + "; " +
-                    (isFull ? "make room there" : "run as a user who may write there") +
+                    (isDiskFull(reason) ? "make room there" : "run as a user who may write there") +
                     ", or give another directory");
 }
 
@@ -36,11 +35,9 @@ std::string markOf(const struct stat& folder) {
 
 bool isOurs(const std::string& path) {
   struct stat folder {};
-  struct stat mark {};
-  const std::string markPath = path + "/" + kMark;
-  return lstat(path.c_str(), &folder) == 0 && S_ISDIR(folder.st_mode) &&
-         folder.st_uid == geteuid() && lstat(markPath.c_str(), &mark) == 0 &&
-         S_ISREG(mark.st_mode) && mark.st_uid == geteuid() && readFile(markPath) == markOf(folder);
+  lstat(path.c_str(), &folder);
+  return S_ISDIR(folder.st_mode) && folder.st_uid == geteuid() &&
+         readFile(path + "/" + kMark) == markOf(folder);
 }
 
 // The mark goes last, so that what is left of an interrupted removal can still be told. A work
@@ -99,8 +96,7 @@ void flushAllToDisk(const WorkFolder& work, const std::vector<std::string>& name
 // Leaves the former file, if there is one, under the name of the new one, for the way back. False
 // with errno set.
 bool swapIntoPlace(const std::string& from, const std::string& to) {
-  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_EXCHANGE) == 0) return true;
-  return (errno == ENOENT || errno == EINVAL || errno == ENOSYS) &&
+  return renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_EXCHANGE) == 0 ||
          std::rename(from.c_str(), to.c_str()) == 0;
 }
 
@@ -131,6 +127,8 @@ void WorkFolder::place(const std::vector<std::string>& names, const std::string&
   const Descriptor directory(open(target.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   fsync(directory.number());
 }
+
+bool isDiskFull(int reason) { return reason == ENOSPC || reason == EDQUOT; }
 
 Descriptor createFile(const std::string& path) {
   return Descriptor(

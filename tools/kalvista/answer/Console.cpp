@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <cctype>
-#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
@@ -43,9 +42,9 @@ std::string hexadecimal(unsigned char byte) {
 
 std::string replacingControls(std::string_view text, std::string (*replacement)(unsigned char)) {
   std::string result;
-  bool isBehindC2 = false;
   for (const char character : text) {
     const auto byte = static_cast<unsigned char>(character);
+    const bool isBehindC2 = !result.empty() && result.back() == '\xC2';
     const bool isSecond = isBehindC2 && isSecondOfControl(byte);
     if (isSecond) result.pop_back();
     if (isSecond || std::iscntrl(byte) != 0) {
@@ -53,14 +52,14 @@ std::string replacingControls(std::string_view text, std::string (*replacement)(
     } else {
       result += character;
     }
-    isBehindC2 = byte == 0xC2;
   }
   return result;
 }
 
-// As a stream of the C library asks for it: all is written, or nothing more can be.
+// As a stream of the C library asks for it. What cannot be written is lost: nobody can be told.
 ssize_t writeLines(void* /*cookie*/, const char* text, std::size_t size) {
-  return writeAll(STDERR_FILENO, printableLines({text, size})) ? static_cast<ssize_t>(size) : 0;
+  writeAll(STDERR_FILENO, printableLines({text, size}));
+  return static_cast<ssize_t>(size);
 }
 
 }  // namespace
@@ -88,8 +87,7 @@ void showProgress(const std::string& text) {
 bool writeAll(int descriptor, std::string_view content) {
   while (!content.empty()) {
     const ssize_t written = write(descriptor, content.data(), content.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
+    if (written == -1) return false;
     content.remove_prefix(static_cast<std::size_t>(written));
   }
   return true;
@@ -115,7 +113,7 @@ void keepLogPrintable() {
 #ifdef __GLIBC__
   FILE* const stream = fopencookie(nullptr, "w", {nullptr, writeLines, nullptr, nullptr});
   if (stream == nullptr) return;
-  std::setvbuf(stream, nullptr, _IONBF, 0);
+  std::setbuf(stream, nullptr);
   stderr = stream;
 #endif
 }

@@ -21,7 +21,8 @@ void complain(const std::string& sentence);
 void setProgressShown(bool shown);
 void showProgress(const std::string& text);
 
-// False with errno set when not all could be written.
+// False with errno set when not all could be written. No handler of a signal runs in this process,
+// so that nothing interrupts a call in between.
 bool writeAll(int descriptor, std::string_view content);
 
 // Control characters are written as "\x1b": names and texts come from documents and servers, and a

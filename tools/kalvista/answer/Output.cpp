@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 
@@ -42,10 +43,10 @@ void writeToStandardOutput(std::string_view text) {
 }
 
 std::string numberText(float number) {
+  if (!std::isfinite(number)) return std::to_string(number);
   std::string text = Json(number).dump();
-  const std::string_view wholeNumberEnd = ".0";
-  const std::size_t point = text.find(wholeNumberEnd);
-  if (point != std::string::npos && point + wholeNumberEnd.size() == text.size()) text.erase(point);
+  const bool isWhole = text.compare(text.size() - 2, std::string::npos, ".0") == 0;
+  if (isWhole) text.erase(text.size() - 2);
   return text;
 }
 
@@ -81,13 +82,18 @@ std::string Table::text() const {
   std::vector<std::size_t> widths;
   for (const auto& row : rows_) {
     widths.resize(std::max(widths.size(), row.size()));
-    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], width(row[i]));
+    std::transform(
+        row.begin(), row.end(), widths.begin(), widths.begin(),
+        [](const std::string& cell, std::size_t widest) { return std::max(widest, width(cell)); });
   }
   std::string text;
   for (const auto& row : rows_) {
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      text += row[i];
-      if (i + 1 < row.size()) text.append(widths[i] - width(row[i]) + 2, ' ');
+    std::size_t gap = 0;
+    auto widest = widths.begin();
+    for (const std::string& cell : row) {
+      text.append(gap, ' ');
+      text += cell;
+      gap = *widest++ - width(cell) + 2;
     }
     text += '\n';
   }

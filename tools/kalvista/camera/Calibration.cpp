@@ -20,6 +20,8 @@ namespace tool {
 namespace {
 
 constexpr int kNameCapacity = 260;
+// The model's value of an extended limit that the file does not give.
+constexpr float kNotExtended = -100.0F;
 
 CalibrationFile lookAt(const std::string& directory, const std::string& name) {
   CalibrationFile file{name, directory + "/" + name};
@@ -100,12 +102,16 @@ std::vector<CalibrationFile> filesInState(const CalibrationStatus& status, FileS
   return result;
 }
 
+// An extended range reaches to the range's own limit where only the other one is extended.
 Json rangeDocument(const TemperatureRange& range) {
   Json framerates = Json::array();
   for (int i = 0; i < range.framerateCount; ++i) framerates.push_back(*range.framerates[i]);
+  const bool isLowGiven = range.TempLoExt != kNotExtended;
+  const bool isHighGiven = range.TempHiExt != kNotExtended;
   Json extended;
-  if (range.TempLoExt != kNotExtended || range.TempHiExt != kNotExtended) {
-    extended = {{"min", range.TempLoExt}, {"max", range.TempHiExt}};
+  if (isLowGiven || isHighGiven) {
+    extended = {{"min", isLowGiven ? range.TempLoExt : range.TempLo},
+                {"max", isHighGiven ? range.TempHiExt : range.TempHi}};
   }
   return {{"min", range.TempLo},
           {"max", range.TempHi},

@@ -61,9 +61,6 @@ std::string lackText(const CalibrationStatus& status, const std::string& directo
 Answer answerOf(const CalibrationStatus& status, const std::string& directory,
                 unsigned long serial);
 
-// The model's value of an extended limit that the file does not give.
-constexpr float kNotExtended = -100.0F;
-
 // The optics with their ranges and frame rates, and the same as a table.
 Json opticsDocument(const ConfigCali& calibration);
 // Of one of the ranges: "27, 32, 80"; "any" where it lists none.

@@ -28,15 +28,6 @@ std::optional<Interval> intervalOf(const Json& range) {
   return Interval{std::min(min, max), std::max(min, max)};
 }
 
-std::optional<Interval> extendedOf(const Json& range) {
-  Json extended = range["extended"];
-  if (!extended.is_object()) return {};
-  for (const char* limit : {"min", "max"}) {
-    if (extended[limit] == kNotExtended) extended[limit] = range[limit];
-  }
-  return intervalOf(extended);
-}
-
 // What a configuration chooses; what it leaves open is the calibration's first.
 struct Configured {
   std::optional<std::size_t> optics;
@@ -94,7 +85,7 @@ class Painter {
     for (const Json& optics : optics_) {
       for (const Json& range : optics["ranges"]) {
         include(intervalOf(range));
-        include(extendedOf(range));
+        include(intervalOf(range["extended"]));
       }
     }
     if (configured_.optics) include(configured_.range);
@@ -110,7 +101,7 @@ class Painter {
     return {labelOf(range),
             frameratesText(range),
             barOf(intervalOf(range)),
-            barOf(extendedOf(range)),
+            barOf(intervalOf(range["extended"])),
             {},
             ""};
   }

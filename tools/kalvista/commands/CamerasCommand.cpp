@@ -11,10 +11,10 @@ void declare(CLI::App&, OwnOptions&) {}
 std::string textOrDash(const std::string& text) { return text.empty() ? "-" : text; }
 
 std::string stateOf(const Camera& camera) {
-  if (camera.serial > kGreatestSerial) {
+  if (camera.serial == 0) return "no usable serial number";
+  if (!camera.hasUsableSerial()) {
     return "serial number beyond the library's limit of " + std::to_string(kGreatestSerial);
   }
-  if (camera.serial == 0) return "no usable serial number";
   return camera.mayBeOpened ? "ready" : "may not be opened by this user";
 }
 

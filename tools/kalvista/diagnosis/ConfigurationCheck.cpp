@@ -23,16 +23,17 @@ class Places {
     Findings ignored;
     view_ = readAsText(document, ignored).view;
   }
-  // Of the value; of the root when there is no such element.
-  std::size_t valueOf(const std::string& name, const std::string& parent = "imager>") const {
-    const std::size_t from = parent == "imager>" ? 0 : view_.find("<" + parent + ">");
+  // Of the value, behind the parent's tag; of the root when there is no such element.
+  std::size_t valueOf(const std::string& name, const std::string& parent = kRoot) const {
     const std::string tag = "<" + name + ">";
-    const std::size_t at = from == std::string::npos ? from : view_.find(tag, from);
-    if (at == std::string::npos) return std::min(view_.find("<imager"), view_.size());
+    const std::size_t at = view_.find(tag, view_.find(parent));
+    if (at == std::string::npos) return std::min(view_.find(kRoot), view_.size());
     return findInk(view_, at + tag.size(), view_.size());
   }
 
  private:
+  static constexpr auto kRoot = "<imager";
+
   std::string view_;
 };
 
@@ -61,7 +62,7 @@ class Comparison {
     const std::vector<unsigned long> calibrated = calibratedSerials(common_.calibrationDir);
     unsigned long serial = wantedSerial != 0 ? wantedSerial : cameraOf(values_);
     if (serial == 0 && calibrated.size() == 1) serial = calibrated.front();
-    if (serial != 0) compareWithCalibration(serial);
+    compareWithCalibration(serial);
     if (check_.serial == 0 && !calibrated.empty()) reportNoCalibration(serial, calibrated);
     if (values_.serial != 0 && values_.serial != serial) {
       add(places_.valueOf("serial"), "imager/serial",
@@ -76,7 +77,7 @@ class Comparison {
  private:
   void add(std::size_t offset, const std::string& path, const std::string& message,
            const std::string& remedy, bool isFault = true) {
-    offending_.push_back({offset, {1, 1, path, message, remedy, isFault}});
+    offending_.push_back({offset, {path, message, remedy, isFault}});
   }
 
   // A new file, so that what else stands in the old one is not lost.
@@ -135,7 +136,7 @@ class Comparison {
         return {places_.valueOf("framerate"), "imager/framerate"};
     }
     const std::string end = nearest.range.min != static_cast<float>(values_.tMin) ? "min" : "max";
-    return {places_.valueOf(end, "temperature"), "imager/temperature/" + end};
+    return {places_.valueOf(end, "<temperature>"), "imager/temperature/" + end};
   }
 
   // The tool has to do with the first one only; an application may bring video formats itself.
@@ -178,17 +179,11 @@ void addPlaced(std::vector<Offending> offending, ConfigurationCheck* check) {
   std::stable_sort(
       offending.begin(), offending.end(),
       [](const Offending& one, const Offending& other) { return one.offset < other.offset; });
-  std::size_t at = 0;
-  std::size_t line = 1;
-  std::size_t column = 1;
+  LineCounter lines(check->document);
   for (Offending& one : offending) {
-    for (; at < one.offset; ++at) {
-      const char byte = check->document[at];
-      if (byte == '\n') ++line;
-      column = byte == '\n' ? 1 : column + ((byte & '\xC0') != '\x80' ? 1 : 0);
-    }
-    one.finding.line = line;
-    one.finding.column = column;
+    lines.goTo(one.offset);
+    one.finding.line = lines.line();
+    one.finding.column = lines.column();
     check->findings.push_back(one.finding);
   }
 }

@@ -13,12 +13,12 @@
 namespace tool {
 
 struct ConfigurationFinding {
+  std::string path;     // of elements: imager/temperature/min
+  std::string message;  // what it is, and what is possible instead
+  std::string remedy;   // the command that writes it right, or what to do by hand
+  bool isFault = true;  // else worth a look, though an application can work with it
   std::size_t line = 1;
   std::size_t column = 1;  // in characters
-  std::string path;        // of elements: "imager/temperature/min"
-  std::string message;     // what it is, and what is possible instead
-  std::string remedy;      // the command that writes it right, or what to do by hand
-  bool isFault = true;     // else worth a look, though an application can work with it
 };
 
 struct ConfigurationCheck {

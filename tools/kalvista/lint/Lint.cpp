@@ -15,38 +15,6 @@
 namespace tool {
 namespace {
 
-// The lines of a document, for places that come in their order.
-class LineCounter {
- public:
-  explicit LineCounter(const std::string& document) : document_(document) {}
-
-  std::size_t lineOf(std::size_t offset) {
-    advance(offset);
-    return line_;
-  }
-  std::size_t columnOf(std::size_t offset) {
-    advance(offset);
-    return column_;
-  }
-
- private:
-  void advance(std::size_t offset) {
-    for (; at_ < std::min(offset, document_.size()); ++at_) {
-      if (document_[at_] == '\n') {
-        ++line_;
-        column_ = 1;
-      } else if ((document_[at_] & '\xC0') != '\x80') {
-        ++column_;
-      }
-    }
-  }
-
-  const std::string& document_;
-  std::size_t at_ = 0;
-  std::size_t line_ = 1;
-  std::size_t column_ = 1;
-};
-
 class ElementCheck : public ElementVisitor {
  public:
   ElementCheck(const std::string& document, const LintText& text, Findings& findings)
@@ -124,7 +92,7 @@ class ElementCheck : public ElementVisitor {
     const bool isVisible = element.contentBegin - element.begin == element.name.size() + 2;
     const std::size_t taker = isVisible ? takerOf(*place.rule) : kNowhere;
     if (taker != kNowhere) {
-      for (std::size_t i = taker + 1; i < places_.size(); ++i) {
+      for (std::size_t i = places_.size(); --i > taker;) {
         if (places_[i].rule == nullptr) places_[i].takenInside = place.rule->name;
       }
       if (place.isIgnored) place.container = taker;
@@ -133,7 +101,8 @@ class ElementCheck : public ElementVisitor {
     First& first = places_[place.container].first[place.rule->name];
     if (first.count++ == 0) {
       first.begin = element.begin;
-      first.line = lines_.lineOf(element.begin);
+      lines_.goTo(element.begin);
+      first.line = lines_.line();
     }
     place.number = first.count;
   }
@@ -267,21 +236,23 @@ class ElementCheck : public ElementVisitor {
     if (!check.message.empty()) reportAt(at, check.message);
   }
 
+  // Of the first of this name in the element that closes.
+  std::optional<double> numberOf(std::string_view name) const {
+    const auto& children = places_.back().first;
+    const auto found = children.find(name);
+    return found != children.end() ? found->second.value : std::nullopt;
+  }
+
   void checkOrders() {
-    const auto& siblings = places_.back().first;
     for (const OrderRule& rule : format_.orders) {
-      const auto lower = siblings.find(rule.lower);
-      const auto upper = siblings.find(rule.upper);
-      if (lower == siblings.end() || upper == siblings.end()) continue;
-      const auto low = lower->second.value;
-      const auto high = upper->second.value;
-      if (!low || !high) continue;
-      if (rule.unset && (*low == *rule.unset || *high == *rule.unset)) continue;
-      if (*low < *high || (rule.mayBeEqual && *low == *high)) continue;
+      const std::optional<double> low = numberOf(rule.lower);
+      const std::optional<double> high = numberOf(rule.upper);
+      if (!low || !high || low == rule.unset || high == rule.unset) continue;
+      if (low < high || (rule.mayBeEqual && low == high)) continue;
       steps_.emplace_back(rule.lower);
-      reportAt(lower->second.begin,
-               (*low > *high ? "above " : "the same as ") + std::string(rule.upper) +
-                   ", expected " + (rule.mayBeEqual ? "at most its value" : "a value below it"));
+      reportAt(places_.back().first.at(rule.lower).begin,
+               (low > high ? "above " : "the same as ") + std::string(rule.upper) + ", expected " +
+                   (rule.mayBeEqual ? "at most its value" : "a value below it"));
       steps_.pop_back();
     }
   }
@@ -309,8 +280,9 @@ void arrange(const std::string& document, Findings& findings) {
   }
   LineCounter lines(document);
   for (Finding& finding : findings) {
-    finding.line = lines.lineOf(finding.offset);
-    finding.column = lines.columnOf(finding.offset);
+    lines.goTo(finding.offset);
+    finding.line = lines.line();
+    finding.column = lines.column();
   }
 }
 

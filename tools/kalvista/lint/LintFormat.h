@@ -45,7 +45,7 @@ struct OrderRule {
   std::string_view lower;
   std::string_view upper;
   bool mayBeEqual;
-  std::optional<double> unset;  // a value that means "none"
+  std::optional<double> unset;  // a value that means: there is none
 };
 
 struct Format {

@@ -17,22 +17,20 @@ bool isAt(std::string_view text, std::size_t at, std::string_view part) {
   return text.compare(at, part.size(), part) == 0;
 }
 
-std::size_t lineBegin(std::string_view text, std::size_t at) {
-  const std::size_t before = at > 0 ? text.rfind('\n', at - 1) : kNone;
-  return before == kNone ? 0 : before + 1;
-}
+// Of the line of a place that is no line's end; kNone + 1 is 0, where the first line begins.
+std::size_t lineBegin(std::string_view text, std::size_t at) { return text.rfind('\n', at) + 1; }
 
 std::size_t lineEnd(std::string_view text, std::size_t at) {
   return std::min(text.find('\n', at), text.size());
 }
 
-std::size_t findRoot(std::string_view text) {
+// A zero byte stands behind the text.
+std::size_t findRoot(const std::string& text) {
   for (std::size_t at = text.find('<'); at != kNone; at = text.find('<', at + 1)) {
     if (isAt(text, at, kOpening)) {
       at = text.find(kClosing, at);
       if (at == kNone) return kNone;
-    } else if (at + 1 < text.size() &&
-               std::isalpha(static_cast<unsigned char>(text[at + 1])) != 0) {
+    } else if (std::isalpha(static_cast<unsigned char>(text[at + 1])) != 0) {
       return at;
     }
   }
@@ -73,21 +71,20 @@ class TextCheck {
 
   void checkAround(const std::string& root) {
     const std::size_t rootLineEnd = lineEnd(document_, root_);
-    const std::size_t contentBegin = std::min(rootLineEnd + 1, document_.size());
-    const std::size_t closing = document_.find("</" + root + ">", contentBegin);
+    const std::size_t closing = document_.find("</" + root + ">", rootLineEnd);
     const std::size_t contentEnd =
         closing == kNone ? document_.size() : lineBegin(document_, closing);
     checkFalseRoot("<" + root);
-    cutPlainComments(root_, contentBegin);
-    cutNestedComments(contentBegin, contentEnd);
+    cutPlainComments(root_, rootLineEnd);
+    cutNestedComments(rootLineEnd, contentEnd);
     cutPlainComments(contentEnd, document_.size());
     checkRootLine(rootLineEnd,
                   closing == kNone && document_.find("</" + root, root_) < rootLineEnd);
     if (closing != kNone) {
       reportLost(contentEnd, closing, "the line of the closing tag, which the reader drops whole");
     }
-    checkLineLengths(closing == kNone ? document_.size() : lineEnd(document_, closing));
-    checkPlainText(contentBegin, contentEnd);
+    checkLineLengths(lineEnd(document_, closing));
+    checkPlainText(rootLineEnd, contentEnd);
   }
 
   void checkFalseRoot(const std::string& opening) {
@@ -99,10 +96,10 @@ class TextCheck {
 
   // Outside of the content the reader knows no comments; in XML they end at the first "-->".
   void cutPlainComments(std::size_t from, std::size_t to) {
-    for (std::size_t at = document_.find(kOpening, from); at < to;
-         at = document_.find(kOpening, at)) {
-      const std::size_t end = document_.find(kClosing, at + kOpening.size());
-      const std::size_t next = end == kNone ? to : std::min(end + kClosing.size(), to);
+    const std::string_view text = std::string_view(document_).substr(0, to);
+    for (std::size_t at = text.find(kOpening, from); at != kNone; at = text.find(kOpening, at)) {
+      const std::size_t end = text.find(kClosing, at + kOpening.size());
+      const std::size_t next = end == kNone ? to : end + kClosing.size();
       blankOut(view_, at, next);
       at = next;
     }
@@ -132,15 +129,13 @@ class TextCheck {
   }
 
   void checkRootLine(std::size_t rootLineEnd, bool onOneLine) {
-    const std::size_t tagEnd = view_.find('>', root_);
     if (onOneLine) {
       report(root_,
              "the document stands on one line, which the reader drops whole, expected the "
              "tags of the root on lines of their own");
-    } else if (tagEnd < rootLineEnd) {
-      reportLost(tagEnd + 1, rootLineEnd,
-                 "the line of the opening tag, which the reader drops "
-                 "whole");
+    } else {
+      reportLost(std::min(view_.find('>', root_), rootLineEnd) + 1, rootLineEnd,
+                 "the line of the opening tag, which the reader drops whole");
     }
   }
 
@@ -150,31 +145,34 @@ class TextCheck {
   }
 
   void checkLineLengths(std::size_t to) {
-    for (std::size_t begin = 0, end = 0; begin < to; begin = end + 1) {
-      end = lineEnd(document_, begin);
-      if (end - begin <= kLongestLine) continue;
-      report(begin, "a line of " + std::to_string(end - begin) +
-                        " characters, at which the reader ends the reading, expected at most " +
-                        std::to_string(kLongestLine));
+    for (std::size_t begin = 0; begin < to;) {
+      const std::size_t length = lineEnd(document_, begin) - begin;
+      if (length > kLongestLine) {
+        report(begin, "a line of " + std::to_string(length) +
+                          " characters, at which the reader ends the reading, expected at most " +
+                          std::to_string(kLongestLine));
+      }
+      begin += length + 1;
     }
   }
 
   void checkPlainText(std::size_t from, std::size_t to) {
-    for (std::size_t at = view_.find('\0', from); at < to; at = view_.find('\0', at)) {
+    const std::string_view text = std::string_view(view_).substr(0, to);
+    for (std::size_t at = text.find('\0', from); at != kNone; at = text.find('\0', at)) {
       report(at, "a zero byte, at which the reader ends the line, expected text");
       blankOut(view_, at, lineEnd(document_, at));
     }
-    for (std::size_t at = view_.find('&', from); at < to; at = view_.find('&', at)) {
-      const std::size_t end = view_.find_first_of(";<& ", at + 1);
-      if (end < to && view_[end] == ';') {
+    for (std::size_t at = text.find('&', from); at != kNone; at = text.find('&', at)) {
+      const std::size_t end = text.find_first_of(";<& ", at + 1);
+      if (end != kNone && text[end] == ';') {
         report(at, "the entity \"" + view_.substr(at, end - at + 1) +
                        "\" is plain text to the reader, expected the character itself");
       }
       view_[at] = '_';  // no entity to an XML parser either
     }
     constexpr std::string_view characterData = "<![CDATA[";
-    for (std::size_t at = view_.find(characterData, from); at < to;
-         at = view_.find(characterData, at + 1)) {
+    for (std::size_t at = text.find(characterData, from); at != kNone;
+         at = text.find(characterData, at + characterData.size())) {
       report(at, "a CDATA section is plain text to the reader, expected the text itself");
     }
   }
@@ -195,6 +193,17 @@ std::size_t findInk(std::string_view text, std::size_t from, std::size_t to) {
 void blankOut(std::string& text, std::size_t from, std::size_t to) {
   for (std::size_t at = from; at < std::min(to, text.size()); ++at) {
     if (text[at] != '\n') text[at] = kBlank;
+  }
+}
+
+void LineCounter::goTo(std::size_t offset) {
+  for (const std::size_t end = std::min(offset, document_.size()); at_ < end; ++at_) {
+    if (document_[at_] == '\n') {
+      ++line_;
+      column_ = 1;
+    } else if ((document_[at_] & '\xC0') != '\x80') {
+      ++column_;
+    }
   }
 }
 

@@ -43,8 +43,6 @@ class Parse {
   }
 
   Elements open;
-  Element root;          // without its end
-  std::size_t seen = 0;  // behind the last opening tag
   XML_Error error = XML_ERROR_NONE;
   std::size_t errorAt = 0;
 
@@ -55,15 +53,18 @@ class Parse {
   std::size_t positionBehind() const {
     return position() + static_cast<std::size_t>(XML_GetCurrentByteCount(parser_));
   }
-  void stop() { XML_StopParser(parser_, XML_FALSE); }
+  // An element that closes itself would still be shown as closed.
+  void stop() {
+    XML_SetEndElementHandler(parser_, nullptr);
+    XML_StopParser(parser_, XML_FALSE);
+  }
 
   static void onOpening(void* self, const XML_Char* name, const XML_Char** /*attributes*/) {
     auto& parse = *static_cast<Parse*>(self);
     Element element;
     element.name = name;
     element.begin = parse.position();
-    element.contentBegin = element.contentEnd = element.end = parse.seen = parse.positionBehind();
-    if (parse.open.empty()) parse.root = element;
+    element.contentBegin = element.contentEnd = element.end = parse.positionBehind();
     parse.open.push_back(std::move(element));
     if (parse.visitor_ != nullptr) parse.visitor_->onOpened(parse.open);
     if (parse.open.size() > kDeepest) parse.stop();
@@ -71,8 +72,6 @@ class Parse {
 
   static void onClosing(void* self, const XML_Char* /*name*/) {
     auto& parse = *static_cast<Parse*>(self);
-    // An element that closes itself is still shown when its opening has stopped the parser.
-    if (parse.open.size() > kDeepest) return;
     Element& element = parse.open.back();
     element.contentEnd = parse.position();
     element.end = parse.positionBehind();
@@ -150,36 +149,32 @@ class Mending {
     if (format_.find(innermost) == nullptr && format_.find(name) != nullptr) {
       report(parse_.open.back().begin,
              "<" + innermost + "> is closed by </" + name + ">, expected <" + name + ">");
-      return mendMisspeltClosing(innermost, end);
+      return mendMisspeltClosing(end);
     }
     report(parse_.errorAt - 2,
            "</" + name + "> closes no element here, expected </" + innermost + ">");
     // The closing tag of the innermost element, misspelt, or one too many.
-    if (nearestOf(name, {innermost}).empty()) {
-      blankOut(view_, parse_.errorAt - 2, end + 1);
-    } else {
-      return mendMisspeltClosing(innermost, end);
-    }
+    if (!nearestOf(name, {innermost}).empty()) return mendMisspeltClosing(end);
+    blankOut(view_, parse_.errorAt - 2, end + 1);
     return true;
   }
 
-  bool mendMisspeltClosing(const std::string& name, std::size_t end) {
-    const Element& element = parse_.open.back();
-    blankOpening(element);
+  // The root stays, behind which nothing more comes.
+  bool mendMisspeltClosing(std::size_t end) {
+    if (parse_.open.size() == 1) return false;
+    blankOpening(parse_.open.back());
     blankOut(view_, parse_.errorAt - 2, end + 1);
-    return name != parse_.root.name;
+    return true;
   }
 
   bool mendToken() {
     report(parse_.errorAt, std::string(XML_ErrorString(parse_.error)) + ", expected XML");
-    const std::size_t last = parse_.errorAt < view_.size() ? parse_.errorAt : view_.size() - 1;
+    const std::size_t last = std::min(parse_.errorAt, view_.size() - 1);
     const std::size_t bracket = view_.rfind('<', last);
-    if (bracket == kNowhere || bracket < parse_.seen || view_.find('>', bracket) < last) {
-      return blankByte(last);
-    }
+    if (bracket == kNowhere || view_.find('>', bracket) < last) return blankByte(last);
     // Attributes are not the reader's: without them the tag may do.
     const std::size_t nameEnd = view_.find_first_of(" \t\r\n/>", bracket + 2);
-    const std::size_t tagEnd = view_.find_first_of("<>", bracket + 1);
+    const std::size_t tagEnd = view_.find_first_of("<>", nameEnd);
     if (nameEnd > last || tagEnd == kNowhere || view_[tagEnd] == '<' ||
         findInk(view_, nameEnd, tagEnd) == tagEnd) {
       return blankByte(bracket);
@@ -255,10 +250,9 @@ void visitElements(std::string view, const Format& format, Findings& findings,
     }
     if (!Mending(view, parse, format, findings).mend()) break;
   }
-  Parse last(view, &visitor);
-  if (last.open.empty()) return;
-  last.open.resize(1);  // the root, behind which the document ends or is lost
-  visitor.onClosed(last.open);
+  const Parse last(view, &visitor);
+  // The root, behind which the document ends or is lost.
+  if (last.open.size() == 1) visitor.onClosed(last.open);
 }
 
 }  // namespace tool

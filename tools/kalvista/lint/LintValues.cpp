@@ -40,8 +40,8 @@ double narrowed(const ElementRule& rule, double number) {
 }
 
 struct Reading {
-  double number = 0;
-  std::size_t length = 0;  // of what was read; 0 when it is no number
+  double number;
+  std::size_t length;  // of what was read; 0 when it is no number
 };
 
 Reading readNumber(ValueKind kind, const std::string& value) {
@@ -56,12 +56,12 @@ Reading readNumber(ValueKind kind, const std::string& value) {
   return {number, static_cast<std::size_t>(end - value.c_str())};
 }
 
+// Of a value that begins with a number.
 bool isOctal(const ElementRule& rule, const std::string& value) {
   if (rule.kind != ValueKind::Integer && rule.kind != ValueKind::Integer16) return false;
   std::size_t at = findInk(value, 0, value.size());
-  if (at < value.size() && (value[at] == '-' || value[at] == '+')) ++at;
-  return at + 1 < value.size() && value[at] == '0' &&
-         std::isdigit(static_cast<unsigned char>(value[at + 1])) != 0;
+  if (value[at] == '-' || value[at] == '+') ++at;
+  return value[at] == '0' && std::isdigit(static_cast<unsigned char>(value[at + 1])) != 0;
 }
 
 ValueCheck checkNumber(const ElementRule& rule, const std::string& value) {

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <memory>
 
 #include "machine/Files.h"
@@ -26,7 +25,6 @@ bool feed(EVP_MD_CTX* context, const Descriptor& file) {
   const auto block = std::make_unique<std::array<char, kBlock>>();
   for (;;) {
     const ssize_t count = read(file.number(), block->data(), block->size());
-    if (count < 0 && errno == EINTR) continue;
     if (count <= 0) return count == 0;
     if (EVP_DigestUpdate(context, block->data(), static_cast<std::size_t>(count)) != 1) {
       return false;

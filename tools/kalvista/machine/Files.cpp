@@ -24,9 +24,8 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kLongestInput = 256U << 20U;
 
-[[noreturn]] void failToWrite(const std::string& path) {
-  throw Failure(ExitCode::CouldNot, "the file " + path +
-                                        " cannot be written: " + std::strerror(errno) +
+[[noreturn]] void failToWrite(const std::string& path, const std::string& reason) {
+  throw Failure(ExitCode::CouldNot, "the file " + path + " cannot be written: " + reason +
                                         "; check permissions and free space, or name another file");
 }
 
@@ -64,15 +63,12 @@ bool linkTo(const Descriptor& file, const std::string& path) {
 }
 
 // Nothing links over a file: what replaces one has another name for a moment.
-bool giveName(Descriptor& file, std::string* work, const std::string& path, bool replace) {
-  if (work->empty()) {
-    if (!replace) return linkTo(file, path);
-    const std::string name = unguessableName(parentOf(path));
-    if (!linkTo(file, name)) return false;
-    *work = name;
-  }
-  if (!file.close()) return false;
-  return replace ? rename(work->c_str(), path.c_str()) == 0 : nameUnlessTaken(*work, path);
+bool giveName(const Descriptor& file, std::string* work, const std::string& path, bool replace) {
+  const bool isUnnamed = work->empty();
+  if (isUnnamed && !replace) return linkTo(file, path);
+  if (isUnnamed) *work = unguessableName(parentOf(path));
+  return (!isUnnamed || linkTo(file, *work)) &&
+         (replace ? rename(work->c_str(), path.c_str()) == 0 : nameUnlessTaken(*work, path));
 }
 
 // As far as this user may give files away.
@@ -84,10 +80,8 @@ void keepOwnerAndMode(const Descriptor& file, const struct stat& former) {
 }  // namespace
 
 bool Descriptor::close() {
-  if (!isOpen()) return true;
-  const int number = number_;
-  number_ = -1;
-  return ::close(number) == 0;
+  const int number = std::exchange(number_, -1);
+  return number < 0 || ::close(number) == 0;
 }
 
 std::string readFile(const std::string& path) {
@@ -103,8 +97,7 @@ std::string readStandardInput() {
   for (;;) {
     const ssize_t count = read(STDIN_FILENO, block, sizeof block);
     if (count == 0) return content;
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) {
+    if (count == -1) {
       throw Failure(ExitCode::CouldNot, std::string("standard input cannot be read: ") +
                                             std::strerror(errno) + "; check where it comes from");
     }
@@ -135,18 +128,17 @@ MemoryFile::MemoryFile(std::string_view content) : file_(memfd_create("kalvista"
 
 void writeFileWhole(const std::string& path, std::string_view content, bool replace) {
   std::string work;
-  Descriptor file(openNewFile(parentOf(path), &work));
-  if (!file.isOpen()) failToWrite(path);
+  const Descriptor file(openNewFile(parentOf(path), &work));
+  if (!file.isOpen()) failToWrite(path, std::strerror(errno));
   struct stat former {};
   if (replace && stat(path.c_str(), &former) == 0) keepOwnerAndMode(file, former);
   if (writeAll(file.number(), content) && fsync(file.number()) == 0 &&
       giveName(file, &work, path, replace)) {
     return;
   }
-  const int reason = errno;
-  if (!work.empty()) unlink(work.c_str());
-  errno = reason;
-  failToWrite(path);
+  const std::string reason = std::strerror(errno);
+  unlink(work.c_str());
+  failToWrite(path, reason);
 }
 
 }  // namespace tool

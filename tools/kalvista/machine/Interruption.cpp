@@ -1,9 +1,8 @@
 #include "machine/Interruption.h"
 
-#include <time.h>
-
 #include <algorithm>
 #include <iterator>
+#include <thread>
 
 namespace tool {
 namespace {
@@ -13,7 +12,8 @@ constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 // One that the starter has ignored stays so: the kernel keeps it for us once it is blocked.
 bool isIgnored(int signal) {
   struct sigaction action {};
-  return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+  sigaction(signal, nullptr, &action);
+  return action.sa_handler == SIG_IGN;
 }
 
 }  // namespace
@@ -45,9 +45,7 @@ void pauseFor(std::chrono::milliseconds time) {
   constexpr std::chrono::milliseconds kLook(100);
   for (; time.count() > 0; time -= kLook) {
     throwIfInterrupted();
-    const auto nanoseconds = std::chrono::nanoseconds(std::min(time, kLook)).count();
-    const timespec pause{0, static_cast<long>(nanoseconds)};
-    nanosleep(&pause, nullptr);
+    std::this_thread::sleep_for(std::min(time, kLook));
   }
   throwIfInterrupted();
 }

@@ -22,14 +22,12 @@ constexpr const char* kDeviceNodes = "/dev/bus/usb";
 constexpr const char* kVendorId = "0403";
 constexpr const char* kProductId = KALVISTA_USB_PRODUCT_ID;
 
-// The first line, of which the kernel gives a page at most.
+// The first line.
 std::string readAttribute(const fs::path& device, const char* attribute) {
-  constexpr std::size_t kPage = 4096;
-  std::string value(kPage, '\0');
   std::ifstream stream(device / attribute);
-  stream.read(value.data(), static_cast<std::streamsize>(kPage));
-  value.resize(static_cast<std::size_t>(stream.gcount()));
-  return value.substr(0, value.find('\n'));
+  std::string value;
+  std::getline(stream, value);
+  return value;
 }
 
 // The kernel pads the numbers of buses and devices: "/dev/bus/usb/001/004".
@@ -130,7 +128,7 @@ std::vector<unsigned long> usableSerials(const std::vector<Camera>& cameras) {
 std::string serialProblem(const Camera& camera) {
   if (camera.hasUsableSerial()) return "";
   const std::string where = "the camera at USB port " + camera.port + " ";
-  if (camera.serial > kGreatestSerial) {
+  if (camera.serial != 0) {
     return where + "has the serial number " + camera.serialText +
            ", beyond the library's limit of " + std::to_string(kGreatestSerial) +
            "; use a camera with a smaller number, or ask its maker for one";

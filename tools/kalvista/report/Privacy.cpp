@@ -28,7 +28,7 @@ bool beginsPath(const std::string& text, std::size_t at) {
   return !isOfName(text[at - 1]) && text[at - 1] != '/';
 }
 
-bool isPartOfPath(const std::string& text, std::size_t at) { return at > 0 && text[at - 1] == '/'; }
+bool isPartOfPath(const std::string& text, std::size_t at) { return text[at - 1] == '/'; }
 
 bool beginsWord(const std::string& text, std::size_t at) { return !isOfName(text[at - 1]); }
 

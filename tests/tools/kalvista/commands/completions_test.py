@@ -21,9 +21,9 @@ kalvista --json -v error ser | serial
 kalvista -v | debug error info warning
 kalvista lint hos | hosts.ini
 kalvista config 5 -o ima | imager.xml
-kalvista config 5 --fov | 33 60
+kalvista config --calibration-dir ~/own 6 --fov | 33 60
 kalvista config 5 --fov 33 --text | $(touch${IFS}gone)
-kalvista config --calibration-dir=/usr/share/libkalvista/cali 5 --fov 60 --framerate | 27 80
+kalvista config --calibration-dir=own 6 --fov 60 --framerate | 27 80
 """
 rows = [[part.strip() for part in line.split("|")] for line in TABLE.strip().splitlines()]
 # A word that is to be completed from nothing follows a blank.
@@ -33,7 +33,10 @@ rows = [(typed + ("" if typed.split()[-1] in ("ser", "1", "--exp", "hos", "ima")
 cali = pathlib.Path("/usr/share/libkalvista/cali")
 sample = next(pathlib.Path("/media/usb").rglob("Cali-12345678.xml")).read_text()
 (cali / "Cali-5.xml").write_text(sample.replace(">macro<", ">$(touch${IFS}gone)<"))
-pathlib.Path("none").mkdir()
+for folder in ("none", "own"):
+    pathlib.Path(folder).mkdir()
+pathlib.Path("own/Cali-6.xml").write_text(sample)
+os.environ["HOME"] = os.getcwd()
 for shell in ("bash", "zsh", "fish"):
     with open("_kalvista" if shell == "zsh" else "kalvista." + shell, "w") as script:
         subprocess.run(["kalvista", "generate", shell], stdout=script, check=True)
