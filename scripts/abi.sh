@@ -25,7 +25,7 @@ step "Building the library with debug information in $build"
 mkdir -p "$build"
 {
   cmake -S . -B "$build" -DCMAKE_CXX_COMPILER=g++ -DCMAKE_BUILD_TYPE=Debug \
-    -DCMAKE_CXX_FLAGS="-ffile-prefix-map=$root=." \
+    -DCMAKE_CXX_FLAGS="-ffile-prefix-map='$root'=." \
     -DKALVISTA_BUILD_TOOL=OFF -DKALVISTA_BUILD_TESTS=OFF -DKALVISTA_BUILD_EXAMPLES=OFF &&
     cmake --build "$build" --target kalvista --parallel "$(nproc)"
 } >"$build/build.log" 2>&1 || die "the build failed; see $build/build.log"
