@@ -81,6 +81,7 @@ void settleTheSame(Fetcher& fetcher, const std::string& base, unsigned long seri
 void fetchAll(Fetcher& fetcher, const std::string& base, unsigned long serial,
               const std::vector<Open>& open, const WorkFolder& work) {
   std::vector<FetchRequest> requests;
+  requests.reserve(open.size());
   for (const Open& one : open) {
     requests.push_back({addressOf(base, serial, one.wanted->name), work.pathOf(one.wanted->name)});
   }
