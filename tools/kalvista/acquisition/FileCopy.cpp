@@ -40,7 +40,8 @@ ssize_t readBlock(const SourceFile& file, Block* block, std::uintmax_t at) {
   return pread(file.descriptor.number(), block->data(), block->size(), static_cast<off_t>(at));
 }
 
-// By the kernel, as far as it can do it between these two; gives how much was copied.
+// By the kernel, as far as it can do it between these two; gives how much was copied, which is more
+// than the size of a file that grows.
 std::uintmax_t copyInKernel(const SourceFile& source, int target) {
   std::uintmax_t done = 0;
   while (done < source.size) {
@@ -54,7 +55,7 @@ std::uintmax_t copyInKernel(const SourceFile& source, int target) {
   return done;
 }
 
-// Up to one byte beyond the size, so that a file that grows is noticed and an endless one ends.
+// Beyond the size by a block at most: a file that grows is noticed, and an endless one ends.
 bool copyByBlocks(const SourceFile& source, int target, std::uintmax_t* done) {
   Block block{};
   ssize_t count = 0;

@@ -35,9 +35,11 @@ std::string markOf(const struct stat& folder) {
 
 bool isOurs(const std::string& path) {
   struct stat folder {};
-  lstat(path.c_str(), &folder);
-  return S_ISDIR(folder.st_mode) && folder.st_uid == geteuid() &&
-         readFile(path + "/" + kMark) == markOf(folder);
+  struct stat mark {};
+  const std::string markPath = path + "/" + kMark;
+  return lstat(path.c_str(), &folder) == 0 && S_ISDIR(folder.st_mode) &&
+         folder.st_uid == geteuid() && lstat(markPath.c_str(), &mark) == 0 &&
+         S_ISREG(mark.st_mode) && mark.st_uid == geteuid() && readFile(markPath) == markOf(folder);
 }
 
 // The mark goes last, so that what is left of an interrupted removal can still be told. A work
@@ -96,7 +98,8 @@ void flushAllToDisk(const WorkFolder& work, const std::vector<std::string>& name
 // Leaves the former file, if there is one, under the name of the new one, for the way back. False
 // with errno set.
 bool swapIntoPlace(const std::string& from, const std::string& to) {
-  return renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_EXCHANGE) == 0 ||
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_EXCHANGE) == 0) return true;
+  return (errno == ENOENT || errno == EINVAL || errno == ENOSYS) &&
          std::rename(from.c_str(), to.c_str()) == 0;
 }
 
@@ -127,8 +130,6 @@ void WorkFolder::place(const std::vector<std::string>& names, const std::string&
   const Descriptor directory(open(target.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   fsync(directory.number());
 }
-
-bool isDiskFull(int reason) { return reason == ENOSPC || reason == EDQUOT; }
 
 Descriptor createFile(const std::string& path) {
   return Descriptor(

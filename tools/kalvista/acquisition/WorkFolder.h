@@ -40,8 +40,6 @@ class WorkFolder {
 // when it cannot be.
 Descriptor createFile(const std::string& path);
 
-bool isDiskFull(int reason);  // by the error number
-
 }  // namespace tool
 
 #endif  // KALVISTA_TOOL_WORK_FOLDER_H

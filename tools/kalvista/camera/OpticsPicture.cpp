@@ -100,6 +100,7 @@ class Painter {
   PictureRow rowOf(const Json& range) const {
     return {labelOf(range),
             frameratesText(range),
+            range["framerates"].size(),
             barOf(intervalOf(range)),
             barOf(intervalOf(range["extended"])),
             {},
@@ -122,6 +123,7 @@ class Painter {
     const Json range = {{"min", configured_.range->min}, {"max", configured_.range->max}};
     rows->push_back({labelOf(range),
                      configured_.framerate,
+                     1,
                      {},
                      {},
                      barOf(configured_.range),

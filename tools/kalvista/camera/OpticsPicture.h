@@ -29,8 +29,9 @@ struct Bar {
 };
 
 struct PictureRow {
-  std::string label;       // such as -20 to 100 °C
-  std::string framerates;  // such as 27, 32, 80
+  std::string label;           // such as -20 to 100 °C
+  std::string framerates;      // such as 27, 32, 80
+  std::size_t framerateCount;  // 0 for any
   std::optional<Bar> calibrated;
   std::optional<Bar> extended;
   std::optional<Bar> configured;

@@ -14,13 +14,17 @@ struct OwnOptions {
   std::string kind;
 };
 
-// Text of a manual page. No text of the command line has a backslash, or a line that begins with a
-// dot or a quote, which roff would take for a request.
+// Text of a manual page: roff takes lines that begin with a dot or a quote for requests.
 std::string roff(const std::string& text) {
   std::string result;
   for (const char character : text) {
-    if (character == '-') result += '\\';
-    result += character;
+    const bool atLineBegin = result.empty() || result.back() == '\n';
+    if (atLineBegin && (character == '.' || character == '\'')) result += "\\&";
+    if (character == '\\') {
+      result += "\\e";
+    } else {
+      result += character == '-' ? "\\-" : std::string(1, character);
+    }
   }
   return result;
 }

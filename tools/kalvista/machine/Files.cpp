@@ -91,6 +91,8 @@ std::string readFile(const std::string& path) {
   return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
+bool isDiskFull(int reason) { return reason == ENOSPC || reason == EDQUOT; }
+
 std::string readStandardInput() {
   std::string content;
   char block[65536];

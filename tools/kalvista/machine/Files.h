@@ -35,6 +35,8 @@ std::string pathOf(const Descriptor& file);
 
 std::string readFile(const std::string& path);  // empty when it cannot be read
 
+bool isDiskFull(int reason);  // by the error number
+
 // Of the hidden names of what lies in a user's folder for a time only.
 constexpr std::string_view kWorkPrefix = ".kalvista-work-";
 

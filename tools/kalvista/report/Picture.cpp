@@ -1,7 +1,5 @@
 #include "report/Picture.h"
 
-#include <algorithm>
-
 #include "camera/OpticsPicture.h"
 
 namespace tool {
@@ -27,11 +25,10 @@ void addBar(Json* bars, const char* kind, const std::optional<Bar>& bar, int top
                    {"height", kBarHeight}});
 }
 
-std::string shortFramerates(const std::string& framerates) {
-  if (framerates == "any") return "any frame rate";
-  if (framerates.size() <= kMostCharacters) return framerates + " per second";
-  const auto commas = std::count(framerates.begin(), framerates.end(), ',');
-  return countText(static_cast<std::size_t>(commas) + 1, "frame rate");
+std::string shortFramerates(const PictureRow& row) {
+  if (row.framerateCount == 0) return "any frame rate";
+  if (row.framerates.size() <= kMostCharacters) return row.framerates + " per second";
+  return countText(row.framerateCount, "frame rate");
 }
 
 Json rowOf(const PictureRow& row, int* top) {
@@ -41,7 +38,7 @@ Json rowOf(const PictureRow& row, int* top) {
   addBar(&bars, "calibrated", row.calibrated, barTop);
   addBar(&bars, "configured", row.configured, barTop);
   Json result = {{"label", row.label},
-                 {"framerates", shortFramerates(row.framerates)},
+                 {"framerates", shortFramerates(row)},
                  {"textY", *top + kTextHeight},
                  {"bars", bars},
                  {"note", row.note.empty() ? Json() : Json(row.note)},
