@@ -7,13 +7,17 @@ source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
 end_with_verdict "reference manual"
 
 need_packages doxygen
-cd "$root"
 version=$(library_version)
 step "Making the reference manual of version $version in build-docs/html"
-rm -rf build-docs
+# Doxygen takes a page's path for its name, which must not hold a blank.
+work=$(mktemp -d /tmp/kalvista-docs.XXXXXX)
+before_verdict() { rm -rf "$work"; }
+cp -r "$root"/{include,docs,examples} "$work"
 {
-  cat docs/Doxyfile
+  cat "$root/docs/Doxyfile"
   echo "PROJECT_NUMBER = $version"
-} | doxygen -
+} | (cd "$work" && doxygen -)
+rm -rf "$root/build-docs"
+mv "$work/build-docs" "$root"
 # The pages refer to them.
-cp -r docs/examples docs/schema build-docs/html
+cp -r "$root"/docs/{examples,schema} "$root/build-docs/html"
