@@ -55,9 +55,11 @@ User thisUser() {
   User user;
   user.isRoot = geteuid() == 0;
   addAccount(&user, getpwuid(getuid()));
-  if (const char* before = std::getenv("SUDO_USER")) addAccount(&user, getpwnam(before));
   for (const char* variable : {"USER", "LOGNAME", "SUDO_USER"}) {
-    addTo(&user.names, std::getenv(variable));
+    const char* name = std::getenv(variable);
+    if (name == nullptr) continue;
+    addTo(&user.names, name);
+    addAccount(&user, getpwnam(name));
   }
   addTo(&user.homes, std::getenv("HOME"));
   // Where a home is a link, paths may be given either way.
