@@ -25,7 +25,6 @@ std::string captured(int descriptor, Body body) {
   std::fflush(nullptr);
   dup2(memory, descriptor);
   body();
-  std::fflush(nullptr);
   dup2(former, descriptor);
   std::string text = readFile("/proc/self/fd/" + std::to_string(memory));
   close(former);
