@@ -17,7 +17,8 @@
 
 namespace support {
 
-// Child processes are captured as well.
+// Child processes are captured as well. Nothing is flushed at the end: what is kept back then would
+// come out of order at a caller.
 template <typename Body>
 std::string captured(int descriptor, Body body) {
   const int memory = memfd_create("capture", MFD_CLOEXEC);

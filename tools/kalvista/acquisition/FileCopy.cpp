@@ -40,8 +40,8 @@ ssize_t readBlock(const SourceFile& file, Block* block, std::uintmax_t at) {
   return pread(file.descriptor.number(), block->data(), block->size(), static_cast<off_t>(at));
 }
 
-// By the kernel, as far as it can do it between these two; gives how much was copied, which is more
-// than the size of a file that grows.
+// By the kernel, as far as it can do it between these two; gives how much was copied, which may be
+// more than the size when the file grows.
 std::uintmax_t copyInKernel(const SourceFile& source, int target) {
   std::uintmax_t done = 0;
   while (done < source.size) {

@@ -16,11 +16,12 @@ std::size_t offsetOf(std::string_view line, std::size_t column) {
   return offset;
 }
 
-// A value ends before the next tag, a tag behind its bracket; both with the line at the latest.
+// A value ends before the next tag, a tag behind its bracket.
 std::size_t endOfMark(std::string_view line, std::size_t begin) {
   const bool isTag = line.substr(begin, 1) == "<";
-  const std::size_t bracket = std::min(line.find(isTag ? '>' : '<', begin), line.size());
-  return isTag ? bracket + 1 : bracket;
+  const std::size_t end = line.find(isTag ? '>' : '<', begin);
+  if (end == std::string_view::npos) return line.size();
+  return isTag ? end + 1 : end;
 }
 
 class Line {

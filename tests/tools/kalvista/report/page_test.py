@@ -3,6 +3,7 @@ bars lie where the numbers say, whether it can be read, and whether texts stay t
 import json
 import os
 import pathlib
+import pwd
 import re
 import subprocess
 import sys
@@ -116,10 +117,10 @@ def compare_bars(browser, optics):
 
 subprocess.run("kalvista setup --from /media/usb -v error && kalvista config 12345678 --fov 60 --range=0:250 "
                "--framerate 27 -o chosen.xml", shell=True, check=True, stdout=subprocess.DEVNULL)
-os.environ |= {"USER": "jdoe", "LOGNAME": "ada.l", "SUDO_USER": "backup"}  # whose home is /var/backups
+os.environ |= {"USER": "jdoe", "LOGNAME": "ada.l", "SUDO_USER": "mail"}
 configuration = pathlib.Path("chosen.xml")
 configuration.write_text(configuration.read_text().replace(
-    "</imager>", "  <!-- jdoe changed it on /media/jdoe/stick, from /home/otto.x/old.xml, ada.l from /var/backups/a; " + OTHERS + "said jdoe. -->\n</imager>"))
+    "</imager>", "  <!-- jdoe changed it on /media/jdoe/stick, from /home/otto.x/old.xml, ada.l from " + pwd.getpwnam("mail").pw_dir + "/a; " + OTHERS + "said jdoe. -->\n</imager>"))
 chosen = report("--config", "chosen.xml", "-o", "chosen.html")
 data = json.loads(report("--config", "chosen.xml", "-o", "chosen.json"))
 expect(re.search(r"Ready: all checks passed\.</p>\s*</div>", chosen) and data["healthy"], "the sample camera is ready")
