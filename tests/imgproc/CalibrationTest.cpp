@@ -1,3 +1,4 @@
+#include "support/Memory.h"
 #include "support/Transcript.h"
 
 namespace {
@@ -77,6 +78,19 @@ TEST_F(Calibration, Transcript) {
     return cali.caliFilenameString(a[0], a[1], a[2], key, a[4], name, a[5]) ? shown(name) : "no";
   };
   runTranscript("imgproc/calibration.txt", on);
+}
+
+TEST_F(Calibration, NeedsNoMemoryForAFilesLines) {
+  std::string lines;
+  for (int i = 0; i < 1000000; ++i) lines += "a < b - <c>1</c> d\n";
+  writeFile("Cali-7.xml", "<CaliData>\n<Main>\n" + lines +
+                              "</Main><Temperature><Optics></Optics></Temperature>\n</CaliData>");
+  EXPECT_EQ(inChildProcess([] {
+              limitMemory(4000000);
+              ConfigCali cali;
+              return cali.load(".", 7);
+            }),
+            0);
 }
 
 // The process's locale becomes "C". A thread's own locale with a decimal comma stays: 12.5 is 12,

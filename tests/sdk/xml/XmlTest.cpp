@@ -1,9 +1,7 @@
-#include <dlfcn.h>
-#include <sys/resource.h>
-
 #include <clocale>
 #include <csignal>
 
+#include "support/Memory.h"
 #include "support/Transcript.h"
 
 using Xml = InFolder;
@@ -69,12 +67,8 @@ TEST_F(Xml, Transcript) {
     }
     return "4680 every time"s;
   };
-  // Beyond what the process has already. The sanitizers take memory of their own.
   on["limitMemory"] = [](auto& a) {
-    rlimit limit{};
-    getrlimit(RLIMIT_AS, &limit);
-    limit.rlim_cur = std::stoul(readFile("/proc/self/statm")) * 4096 + rlim_t{a[0]};
-    if (dlsym(RTLD_DEFAULT, "__asan_init") == nullptr) setrlimit(RLIMIT_AS, &limit);
+    limitMemory(a[0]);
     return "";
   };
   runTranscript("sdk/xml/xml.txt", on);
