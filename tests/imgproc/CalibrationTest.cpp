@@ -82,7 +82,7 @@ TEST_F(Calibration, Transcript) {
 
 TEST_F(Calibration, NeedsNoMemoryForAFilesLines) {
   std::string lines;
-  for (int i = 0; i < 1000000; ++i) lines += "a < b - <c>1</c> d\n";
+  for (int i = 0; i < 500000; ++i) lines += "a < b - <c>1</c> <!--d-->\n";
   writeFile("Cali-7.xml", "<CaliData>\n<Main>\n" + lines +
                               "</Main><Temperature><Optics></Optics></Temperature>\n</CaliData>");
   EXPECT_EQ(inChildProcess([] {

@@ -120,6 +120,15 @@ TEST_F(Log, ClosesItsFileOnce) {
   EXPECT_EQ(close(others[0]) + close(others[1]), 0);
 }
 
+TEST_F(Log, WritesToAStreamThatTheApplicationOpened) {
+  Logger& log = *Logger::getInstance();
+  log.configure("x", brivex::LOGGER_CONSOLE_ON, 0, 0);
+  log.conf = brivex::LOGGER_FILE_ON;
+  log.stream.open("own");
+  log.print(0, "s", 1, "t");
+  EXPECT_THAT(readFile("own"), testing::MatchesRegex("ERROR \\[s:1\\] @ [0-9.e-]+s :t\n"));
+}
+
 TEST_F(Log, FileIsNamedByTheLocalTime) {
   setenv("TZ", "TEST-11:07", 1);
   const std::time_t before = std::time(nullptr);

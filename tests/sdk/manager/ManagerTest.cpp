@@ -1,3 +1,5 @@
+#include <sys/resource.h>
+
 #include <set>
 
 #include "support/Transcript.h"
@@ -50,6 +52,16 @@ TEST_F(Manager, Transcript) {
     const auto run = [&] { whole = manager.copyCalibrationFromLocalRepo(a[0], a[1].text); };
     const std::string echo = captured(STDOUT_FILENO, run);
     return echo + shown(whole);
+  };
+  // There are descriptors for one file only: neither command can start.
+  on["copyWithoutPipe"] = [&](auto& a) {
+    return shown(inChildProcess([&] {
+      const auto next = static_cast<rlim_t>(dup(STDIN_FILENO));
+      const rlimit limit{next + 1, next + 1};
+      const bool limited = close(static_cast<int>(next)) + setrlimit(RLIMIT_NOFILE, &limit) == 0;
+      return !limited || manager.copyCalibrationFromLocalRepo(a[0], a[1].text) ||
+             IRCalibrationManager::isOnlineCalibrationRepoAccessible();
+    }));
   };
   on["optics"] = [&](auto& a) {
     std::string text;
