@@ -36,6 +36,8 @@ void runTranscript(const std::string& name, const Commands& commands) {
     if (line.empty() || line.front() == '#') continue;
     std::string call = cutOff(line, " => ");
     SCOPED_TRACE(name + ": " + call);
+    const bool isLogShown = call.front() != '~';
+    call.erase(0, isLogShown ? 0 : 1);
     const std::string command = cutOff(call, " ");
     std::vector<Argument> arguments;
     while (!call.empty()) arguments.emplace_back().text = unescaped(cutOff(call, " | "));
@@ -43,7 +45,7 @@ void runTranscript(const std::string& name, const Commands& commands) {
     const auto log = logOf([&] {
       result = command == "run" ? outputOf(arguments[0].text) : commands.at(command)(arguments);
     });
-    for (const std::string& message : log) result += "\n" + message;
+    for (const std::string& message : log) result += isLogShown ? "\n" + message : "";
     EXPECT_EQ(result, unescaped(line));
   }
 }

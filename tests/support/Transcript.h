@@ -1,9 +1,10 @@
 // Transcripts: text files of calls and what they give, a line each:
 //   command argument | argument => result
 // "run" is a shell command, which gives what it prints.
-// The result goes on in lines that begin with ">"; the log lines of the call are its last lines.
-// "null" is a null pointer; "\n", "\r", "\0", "\\" and "\B" stand for these bytes and for the
-// byte-order mark, "\L" for 4095 letters, "\U" for the documentation's address, "\e" for nothing.
+// The result goes on in lines that begin with ">"; the log lines of the call are its last lines,
+// but for a command behind "~". "null" is a null pointer; "\n", "\r", "\0", "\\" and "\B" stand for
+// these bytes and for the byte-order mark, "\L" for 4095 letters, "\U" for the documentation's
+// address, "\e" for nothing.
 #ifndef KALVISTA_TESTS_SUPPORT_TRANSCRIPT_H
 #define KALVISTA_TESTS_SUPPORT_TRANSCRIPT_H
 

@@ -18,7 +18,8 @@ TEST_F(DeviceConfiguration, Transcript) {
     IRDeviceParams_InitDefault(params);
     return printed();
   };
-  std::vector<std::string> empty;  // what is printed of a record without values
+  std::vector<std::string> record;   // what is printed of the last one
+  std::vector<std::string> leftOut;  // what is not told again
   on["read"] = [&](auto& a) {
     makeFresh();
     const bool done = ardo::IRDeviceParamsReader::readXMLC(a[0], params);
@@ -26,13 +27,14 @@ TEST_F(DeviceConfiguration, Transcript) {
     const std::unique_ptr<char[]> formats(params.formatsPath);
     const std::unique_ptr<char[]> cali(params.caliPath);
     std::string text = shown(done);
-    for (const std::string& line : linesOf(printed())) {
-      if (std::count(empty.begin(), empty.end(), line) == 0) text += "\n" + line;
+    record = linesOf(printed());
+    for (const std::string& line : record) {
+      if (std::count(leftOut.begin(), leftOut.end(), line) == 0) text += "\n" + line;
     }
     return text;
   };
   on["leaveOut"] = [&](auto&) {
-    empty = linesOf(printed());
+    leftOut = record;
     return "";
   };
   on["content"] = [&](auto& a) {
