@@ -27,11 +27,6 @@ bool failsNow() {
   return true;
 }
 
-[[maybe_unused]] void* counted(void* block) {
-  blocks += block != nullptr ? 1 : 0;
-  return block;
-}
-
 }  // namespace
 
 // What the C library takes for itself fails as well, but under the sanitizer, which needs its own.
@@ -58,6 +53,10 @@ void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);
 void __libc_free(void* block);
 
+static void* counted(void* block) {
+  blocks += block != nullptr ? 1 : 0;
+  return block;
+}
 void* malloc(std::size_t size) { return counted(failsNow() ? nullptr : __libc_malloc(size)); }
 void* calloc(std::size_t count, std::size_t size) { return counted(__libc_calloc(count, size)); }
 void* realloc(void* block, std::size_t size) {

@@ -1,6 +1,5 @@
 // What `kalvista lint` finds, and that it finds nothing in what is right.
-#include <dlfcn.h>
-
+#include "support/Memory.h"
 #include "support/Transcript.h"
 
 using Lint = InFolder;
@@ -57,9 +56,7 @@ TEST_F(Lint, TheSchemasAgree) {
 
 // What takes minutes for each when time or memory grows with the square.
 TEST_F(Lint, LargeFilesOfOneKind) {
-  // The sanitizers take memory of their own.
-  const bool isLimited = dlsym(RTLD_DEFAULT, "__asan_init") == nullptr;
-  const std::string limit = isLimited ? "(ulimit -v 400000; " : "(";
+  const std::string limit = canLimitMemory() ? "(ulimit -v 400000; " : "(";
   for (const std::string part : {"<a>", "<x/>", "<Fov>1</Fov>\n", "<fov>1</fov>", "<!--", "-->",
                                  "&amp;", "</x>", "<x a=''>", "\x7F<"}) {
     std::string text = "<imager>\n";
